@@ -1,0 +1,50 @@
+#pragma once
+
+#include <fstream>
+#include <optional>
+
+#include "board/options.h"
+#include "board/ports/world.h"
+#include "board/pseudo_terminal.h"
+#include "board/terminal.h"
+#include "board/trace.h"
+#include "chip/router_chip.h"
+
+namespace board {
+
+/// The chip, its console and whoever watches it, as the options want them. There is one, it lives
+/// until the program exits, and it puts back what it has changed on the outside.
+class Board {
+ public:
+  /// Throws UsageError or, when something cannot be opened, another std::runtime_error; the console
+  /// is not touched then.
+  explicit Board(const Options& options);
+  Board(const Board&) = delete;
+  Board& operator=(const Board&) = delete;
+
+  /// The program's exit status: 1 when something that was asked for could not be read or written.
+  [[nodiscard]] int Finish();
+
+  /// True while captures still have frames that the packet service would take.
+  [[nodiscard]] bool FramesPending() const;
+
+  /// Lets frames in that have come from outside.
+  void PollWorld();
+
+  /// To be called before the monitor waits for input.
+  void BeforeWait();
+
+ private:
+  void OpenTrace(const std::string& path);
+  void OpenUart(const std::string& path);
+  void OpenConsole(bool keep_delete);
+
+  chip::RouterChip chip_;
+  std::optional<PseudoTerminal> pseudo_terminal_;
+  std::optional<Trace> trace_;
+  std::ofstream uart_;
+  std::optional<World> world_;
+  std::optional<RawTerminal> terminal_;
+};
+
+}  // namespace board

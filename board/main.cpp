@@ -1,0 +1,53 @@
+#include <fcntl.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <exception>
+#include <iostream>
+
+#include "board/board.h"
+#include "board/message.h"
+#include "board/options.h"
+#include "shell/shell.h"
+
+namespace {
+
+constexpr int kExitUsage = 2;
+
+/// A standard descriptor that the caller has closed must not come to name a file that is opened
+/// later. What takes its place fails as a closed one does.
+void OccupyStandardDescriptors() {
+  for (int fd = 0; fd <= 2; ++fd) {
+    if (fcntl(fd, F_GETFD) < 0) open("/dev/null", fd == 0 ? O_WRONLY : O_RDONLY);
+  }
+}
+
+int Answer(const std::string& text) {
+  std::cout << text << std::flush;
+  return std::cout ? EXIT_SUCCESS : EXIT_FAILURE;
+}
+
+int Run(const board::Options& options) {
+  // Static, as the program may also end by an exit inside the monitor.
+  static board::Board the_board(options);
+  monitor::RunShell();
+  return the_board.Finish();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  OccupyStandardDescriptors();
+  // A file that may not grow is a write error like others.
+  std::signal(SIGXFSZ, SIG_IGN);
+  try {
+    const board::Options options = board::ParseOptions(argc, argv);
+    return options.answer ? Answer(*options.answer) : Run(options);
+  } catch (const board::UsageError& error) {
+    board::Report(error.what());
+    return kExitUsage;
+  } catch (const std::exception& error) {
+    board::Report(error.what());
+    return EXIT_FAILURE;
+  }
+}

@@ -1,0 +1,129 @@
+#include "board/options.h"
+
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+
+#include <charconv>
+
+#include "board/faults.h"
+#include "board/nearest.h"
+
+namespace board {
+namespace {
+
+constexpr char kDescription[] = "The Debug Monitor on a software model of the router chip.";
+constexpr char kVersion[] = "virtual-board " BOARD_VERSION "\n";
+constexpr char kFooter[] =
+    "Ports: tap:NAME is a TAP device, made if absent; pcap:IN,OUT replays the capture IN and "
+    "writes\n"
+    "what the port sends to OUT, with pcap:,OUT nothing comes in; unix:PATH is a socket on which "
+    "a\n"
+    "program exchanges frames (SOCK_SEQPACKET, one frame a packet).\n\n"
+    "With a script on standard input the board ends where the script does. Exit status: 0; 1 when\n"
+    "something could not be opened, read or written; 2 for a bad command line.\n";
+
+/// An option's argument is not the next option.
+std::string CheckArgument(const std::string& argument) {
+  if (!argument.starts_with('-')) return "";
+  return "its argument is missing before '" + argument + "'";
+}
+
+std::string CheckPort(const std::string& argument) {
+  std::string missing = CheckArgument(argument);
+  if (!missing.empty() || IsPort(argument)) return missing;
+  return "'" + argument + "' is no port: use tap:NAME, pcap:[IN][,OUT], unix:PATH or none";
+}
+
+std::uint8_t ParseHexByte(const std::string& text) {
+  std::uint8_t byte = 0;
+  const auto result = std::from_chars(text.data(), text.data() + text.size(), byte, 16);
+  if (result.ec != std::errc() || result.ptr != text.data() + text.size()) {
+    throw UsageError("--gpio-in: '" + text + "' is no hexadecimal number from 0 to ff");
+  }
+  return byte;
+}
+
+void Describe(CLI::App& app, Options& options) {
+  app.description(kDescription);
+  app.set_help_flag("-h,--help", "Print this help and exit");
+  app.set_version_flag("--version", kVersion, "Print the version and exit");
+  app.add_option("--pty", options.pty_link, "Offer the console as a pseudo-terminal under LINK")
+      ->type_name("LINK")
+      ->check(CheckArgument, "");
+  app.add_option("--trace", options.trace_file, "Write every bus access to FILE")
+      ->type_name("FILE")
+      ->check(CheckArgument, "");
+  app.add_option("--fault", options.faults, "Let an engine fail; may be repeated")
+      ->type_name("SPEC")
+      ->check(CheckArgument, "")
+      ->allow_extra_args(false);
+  constexpr const char* kPortNames[] = {"--wan", "--lan", "--dmz"};
+  for (unsigned port = 0; port < options.world.ports.size(); ++port) {
+    app.add_option(kPortNames[port], options.world.ports[port],
+                   "Connect the port: tap:NAME, pcap:[IN][,OUT], unix:PATH or none")
+        ->type_name("X")
+        ->check(CheckPort, "");
+  }
+  app.add_flag("--realtime", options.world.options.realtime,
+               "Replay captures with their own timing, not as fast as frames are taken");
+  app.add_option("--capture", options.world.capture, "Record all ports in FILE (pcapng)")
+      ->type_name("FILE")
+      ->check(CheckArgument, "");
+  app.add_option("--uart", options.uart_file, "Write what the UART sends to FILE")
+      ->type_name("FILE")
+      ->check(CheckArgument, "");
+  app.add_option_function<std::string>(
+         "--gpio-in",
+         [&options](const std::string& text) { options.gpio_inputs = ParseHexByte(text); },
+         "Levels of the general-purpose pins, 0 to ff")
+      ->type_name("HEX")
+      ->check(CheckArgument, "");
+  app.add_flag("--keep-delete", options.keep_delete, "Do not turn Delete into backspace");
+}
+
+std::vector<std::string> OptionNames(const CLI::App& app) {
+  std::vector<std::string> names;
+  for (const CLI::Option* option : app.get_options()) names.push_back(option->get_name());
+  return names;
+}
+
+/// Complains about words that are no options. Those that look like one are named first, as the
+/// others may have been meant for them.
+void RefuseStrangers(const std::vector<std::string>& words, const CLI::App& app) {
+  std::string unknown;
+  for (const std::string& word : words) {
+    if (!word.starts_with('-') || word == "-" || word == "--") continue;
+    const std::string name = word.substr(0, word.find('='));
+    if (!unknown.empty()) unknown += "; ";
+    unknown +=
+        "unknown option '" + name + "', the nearest is '" + Nearest(name, OptionNames(app)) + "'";
+  }
+  if (!unknown.empty()) throw UsageError(unknown);
+  if (!words.empty()) throw UsageError("unexpected argument '" + words.front() + "'");
+}
+
+}  // namespace
+
+Options ParseOptions(int argc, const char* const* argv) {
+  Options options;
+  CLI::App app;
+  app.name("virtual-board");
+  app.allow_extras();
+  Describe(app, options);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::CallForHelp&) {
+    options.answer = app.help() + DescribeFaults() + "\n" + kFooter;
+    return options;
+  } catch (const CLI::CallForVersion&) {
+    options.answer = kVersion;
+    return options;
+  } catch (const CLI::ParseError& error) {
+    throw UsageError(error.what());
+  }
+  RefuseStrangers(app.remaining(), app);
+  return options;
+}
+
+}  // namespace board

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "board/ports/world.h"
+
+namespace board {
+
+/// A command line that makes no sense; what() names the part and what would be right.
+struct UsageError : std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
+
+/// What the command line asks for.
+struct Options {
+  std::optional<std::string> pty_link;    ///< Console on a pseudo-terminal under this link.
+  std::optional<std::string> trace_file;  ///< Every bus access goes there.
+  std::vector<std::string> faults;        ///< As SetFault takes them.
+  WorldSetup world;                       ///< What the ports are connected to.
+  std::optional<std::string> uart_file;   ///< What the UART sends goes there.
+  std::uint8_t gpio_inputs = 0;           ///< Levels of the general-purpose pins.
+  bool keep_delete = false;               ///< The Delete key is not a backspace.
+  std::optional<std::string> answer;      ///< Text of --help or --version, instead of a run.
+};
+
+/// Reads the command line. Throws UsageError.
+[[nodiscard]] Options ParseOptions(int argc, const char* const* argv);
+
+}  // namespace board

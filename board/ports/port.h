@@ -1,0 +1,67 @@
+// The far ends of the chip's Ethernet ports: TAP devices, captures, sockets of test programs.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace board {
+
+using Frame = std::vector<std::uint8_t>;
+
+/// A port that cannot be opened: what was asked for and why it cannot be had.
+struct PortError : std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
+
+class Port {
+ public:
+  virtual ~Port() = default;
+
+  /// The next frame from outside, if one is here now.
+  virtual std::optional<Frame> Receive() = 0;
+
+  /// Takes a frame that the chip sends.
+  virtual void Send(std::span<const std::uint8_t> frame) = 0;
+
+  /// Hands on what was sent and not yet passed on. Called before the monitor waits and at the end.
+  virtual void Flush() {}
+
+  /// Descriptor that is readable when Receive has something to do; -1 when there is none.
+  [[nodiscard]] virtual int WatchedFd() const { return -1; }
+
+  /// True while something is attached.
+  [[nodiscard]] virtual bool LinkUp() const { return true; }
+
+  /// True when frames come no faster than they are asked for, so that none need be lost.
+  [[nodiscard]] virtual bool Waits() const { return false; }
+
+  /// True while frames are still to come although nobody sends them now.
+  [[nodiscard]] virtual bool Pending() const { return false; }
+
+  /// True when something went wrong that the exit status has to tell.
+  [[nodiscard]] virtual bool Failed() const { return false; }
+};
+
+/// How captures are replayed.
+struct PortOptions {
+  bool realtime = false;  ///< With the capture's own timing, instead of as fast as it is taken.
+};
+
+/// True for the notation of a port option: "none", "tap:NAME", "pcap:[IN][,OUT]", "unix:PATH".
+[[nodiscard]] bool IsPort(const std::string& what);
+
+/// Opens what a port option names; null for none. Throws PortError.
+[[nodiscard]] std::unique_ptr<Port> OpenPort(const std::string& what, const PortOptions& options);
+
+// The kinds, by the text behind their colon.
+[[nodiscard]] std::unique_ptr<Port> OpenTapPort(const std::string& name);
+[[nodiscard]] std::unique_ptr<Port> OpenCapturePort(const std::string& files,
+                                                    const PortOptions& options);
+[[nodiscard]] std::unique_ptr<Port> OpenSocketPort(const std::string& path);
+
+}  // namespace board

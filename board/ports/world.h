@@ -1,0 +1,67 @@
+// What lies around the chip: the far ends of its three ports, joined to the frame engine.
+#pragma once
+
+#include <array>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "board/ports/capture_file.h"
+#include "board/ports/descriptor.h"
+#include "board/ports/port.h"
+#include "chip/router_chip.h"
+
+namespace board {
+
+/// What the options ask for.
+struct WorldSetup {
+  std::array<std::string, 3> ports{"none", "none", "none"};  ///< WAN, LAN, DMZ.
+  PortOptions options;
+  std::string capture;  ///< File that records every port; empty for none.
+};
+
+class World {
+ public:
+  /// Throws PortError when something cannot be opened.
+  World(chip::RouterChip& chip, const WorldSetup& setup);
+
+  /// Moves frames that have come into the chip. Captures without timing of their own give no
+  /// more than the chip has buffers for.
+  void Poll();
+
+  /// The monitor is about to wait, for input or WatchedFd. Behind the wait there is nothing new to
+  /// be found, so the next look at the interrupt status costs nothing.
+  void NoteWait() {
+    waited_ = true;
+    Flush();
+  }
+
+  /// Hands on what the ports were sent.
+  void Flush();
+
+  /// Descriptor that is readable when Poll has something to do.
+  [[nodiscard]] int WatchedFd() const { return watch_.Get(); }
+
+  /// True while captures still have frames for a port that is up, or frames wait for the CPU.
+  [[nodiscard]] bool Pending() const;
+
+  /// True when something went wrong that the exit status has to tell.
+  [[nodiscard]] bool Failed() const;
+
+ private:
+  void PollWhenDue();
+  void Take(unsigned port);
+  void Send(unsigned port, std::span<const std::uint8_t> frame);
+  /// Tells the chip and the watch set what has become of the port.
+  void Attend(unsigned port);
+
+  chip::RouterChip& chip_;
+  std::array<std::unique_ptr<Port>, 3> ports_;
+  std::array<int, 3> watched_{-1, -1, -1};
+  std::optional<CaptureFile> capture_;
+  Descriptor watch_;
+  unsigned looks_ = 0;
+  bool waited_ = false;
+};
+
+}  // namespace board

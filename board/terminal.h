@@ -1,0 +1,29 @@
+#pragma once
+
+#include <termios.h>
+
+#include "board/signal_guard.h"
+
+namespace board {
+
+/// Keeps a terminal in the mode that the line editor wants, and restores it at its end, also when
+/// a signal ends the program: every key arrives at once and as it is, but for Enter, which arrives
+/// as a line feed; nothing is echoed and output goes out as it is. Throws std::system_error when
+/// the terminal refuses.
+class RawTerminal {
+ public:
+  explicit RawTerminal(int fd);
+  ~RawTerminal() { Restore(); }
+  RawTerminal(const RawTerminal&) = delete;
+  RawTerminal& operator=(const RawTerminal&) = delete;
+
+ private:
+  static termios ModeOf(int fd);
+  void Restore() const;
+
+  int fd_;
+  termios saved_;
+  SignalGuard guard_;
+};
+
+}  // namespace board

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <array>
+#include <string>
+
+#include "board/register_names.h"
+#include "board/signal_guard.h"
+#include "chip/router_chip.h"
+
+namespace board {
+
+/// A file with a line for each event on the bus, "w8 060e 05  L3_INDEX". When the file cannot be
+/// written any more, that is reported once and the trace ends; the board goes on.
+class Trace {
+ public:
+  /// Throws std::system_error, naming the file, when it cannot be opened.
+  explicit Trace(const std::string& path);
+  ~Trace();
+  Trace(const Trace&) = delete;
+  Trace& operator=(const Trace&) = delete;
+
+  /// Notes everything that happens on the chip's bus from now on.
+  void Watch(chip::RouterChip& chip);
+
+  /// Hands everything to the file. Also done when a signal ends the program.
+  void Flush();
+
+  /// True when events are missing in the file.
+  [[nodiscard]] bool Failed() const { return error_ != 0; }
+
+ private:
+  void Add(const std::string& event);
+  void WriteOut();
+
+  std::string path_;
+  int file_;
+  int error_ = 0;
+  bool reported_ = false;
+  std::array<char, 65536> text_;
+  std::size_t count_ = 0;
+  RegisterNames names_;
+  SignalGuard guard_;
+};
+
+}  // namespace board

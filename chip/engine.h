@@ -1,0 +1,81 @@
+// The model's side of the engine handshake: a command byte whose start bit begins an operation
+// and whose done bits tell when it is over.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+
+#include "chip/register_file.h"
+
+namespace chip {
+
+/// What an engine does instead of working, so that failure can be seen.
+struct Fault {
+  enum class Kind : std::uint8_t {
+    kNone,
+    kHang,  ///< Operations never complete.
+    kBusy,  ///< The ready bits read as 0.
+    kSlow,  ///< An operation takes `loads` loads of the command byte, at least one.
+    kFail,  ///< Operations complete without effect; a result bit says so where there is one.
+  };
+  Kind kind = Kind::kNone;
+  unsigned loads = 0;
+};
+
+/// Where an engine's bits lie in its command byte.
+struct EngineBits {
+  std::uint8_t read_done;   ///< Set when a read is over.
+  std::uint8_t write_done;  ///< Set when a write is over; the same bit if there is only one.
+  std::uint8_t start;
+  std::uint8_t write;              ///< Direction; 0 when the engine has only one.
+  std::uint8_t result = 0;         ///< Set by the engine when an operation succeeded; 0 if none.
+  bool start_clears_done = false;  ///< A start clears the done bits even where it stores 1.
+};
+
+/// Most engines' bits.
+inline constexpr EngineBits kTableEngineBits{
+    .read_done = 0x01, .write_done = 0x02, .start = 0x04, .write = 0x08};
+
+/// A store with the start bit begins an operation and clears the done bits that it writes as 0;
+/// a store without it leaves done and result bits alone. The operation takes effect, and its done
+/// bit rises, at the second load of the command byte after the start.
+class Engine {
+ public:
+  /// Carries out an operation: `command` is the byte as the start stored it. False means that
+  /// the operation failed (for the result bit).
+  using Operation = std::function<bool(std::uint8_t command)>;
+
+  Engine(RegisterFile& registers, std::string name, monitor::Reg8 command, EngineBits bits,
+         Operation operation);
+
+  [[nodiscard]] const std::string& Name() const { return name_; }
+  void SetFault(Fault fault);
+  void Reset();
+
+  /// Told of every store to the command byte, for bits in it that are not the engine's.
+  std::function<void(std::uint8_t stored)> on_store;
+
+ private:
+  [[nodiscard]] std::uint8_t StatusBits() const;
+  [[nodiscard]] std::uint8_t DoneBit() const;
+  /// Loads of the command byte are worth a call only while an operation is running.
+  void SetLoadsLeft(unsigned loads);
+  void BeforeLoad();
+  void AfterStore(std::uint8_t stored);
+  void Complete();
+  void Publish();
+
+  RegisterFile& registers_;
+  std::string name_;
+  monitor::Reg8 command_;
+  EngineBits bits_;
+  Operation operation_;
+  Fault fault_;
+
+  std::uint8_t status_;       ///< Done and result bits.
+  std::uint8_t started_ = 0;  ///< The command byte of the running operation.
+  unsigned loads_left_ = 0;   ///< Loads until the running operation is over; 0 when idle.
+};
+
+}  // namespace chip

@@ -1,0 +1,80 @@
+#include "chip/mac/frame_memory.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include "mac/frame_registers.h"
+
+namespace chip {
+
+using namespace monitor;  // NOLINT: the register names
+
+FrameMemory::FrameMemory(RegisterFile& registers) : registers_(registers), bytes_(kSize) {
+  registers.Define(kBufferBase, {.reset = kPowerOnBase});
+}
+
+void FrameMemory::Reset() { std::fill(bytes_.begin(), bytes_.end(), std::uint8_t{0}); }
+
+void FrameMemory::Copy(std::uint32_t to, std::uint32_t from, std::uint32_t count) {
+  const auto inside = [count](std::uint32_t at) { return at <= kSize && count <= kSize - at; };
+  const std::uint32_t to_at = Offset(to);
+  const std::uint32_t from_at = Offset(from);
+  const bool apart = to_at + count <= from_at || from_at + count <= to_at;
+  if (!observer && apart && inside(to_at) && inside(from_at)) {
+    // Nobody can tell the single accesses from one move.
+    std::memcpy(bytes_.data() + to_at, bytes_.data() + from_at, count);
+    return;
+  }
+  for (std::uint32_t i = 0; i < count; ++i) Store(to + i, 1, Load(from + i, 1));
+}
+
+std::uint16_t FrameMemory::LoadSpecial(std::uint32_t address, unsigned width) {
+  const std::uint32_t at = Offset(address);
+  std::uint16_t value = width == 1 ? 0xFF : 0xFFFF;
+  if (IsProper(at, width)) {
+    value = Get(at, width);
+  } else {
+    Complain(address, width);
+  }
+  if (observer) observer({.store = false, .width = width, .offset = address, .value = value});
+  return value;
+}
+
+void FrameMemory::StoreSpecial(std::uint32_t address, unsigned width, std::uint16_t value) {
+  if (observer) observer({.store = true, .width = width, .offset = address, .value = value});
+  const std::uint32_t at = Offset(address);
+  if (IsProper(at, width)) {
+    Set(at, width, value);
+  } else {
+    Complain(address, width);
+  }
+}
+
+void FrameMemory::Complain(std::uint32_t address, unsigned width) {
+  const bool aligned = Offset(address) % width == 0;
+  char where[9];
+  std::snprintf(where, sizeof(where), "%08x", address);
+  registers_.Complain(std::string(aligned ? "memory access outside the frame buffers at "
+                                          : "memory access not aligned at ") +
+                      where);
+}
+
+std::uint8_t& FrameMemory::HeaderByte(unsigned handle, std::uint32_t offset) {
+  return bytes_[handle * kBufferSize + offset];
+}
+
+std::uint16_t FrameMemory::HeaderLength(unsigned handle) const {
+  std::uint16_t length;
+  std::memcpy(&length, &bytes_[handle * kBufferSize + kHeaderLength], sizeof(length));
+  return length;
+}
+
+void FrameMemory::SetHeaderLength(unsigned handle, std::uint16_t length) {
+  std::memcpy(&bytes_[handle * kBufferSize + kHeaderLength], &length, sizeof(length));
+}
+
+std::span<std::uint8_t> FrameMemory::Frame(unsigned handle, std::size_t length) {
+  return std::span(bytes_).subspan(handle * kBufferSize + kBufferHeaderSize, length);
+}
+
+}  // namespace chip

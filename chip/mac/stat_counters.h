@@ -1,0 +1,46 @@
+// The statistic counters of the model: 28 a port behind the counter engine, in their documented
+// widths, with an overflow bit each.
+#pragma once
+
+#include <array>
+
+#include "chip/engine.h"
+
+namespace chip {
+
+class StatCounters {
+ public:
+  static constexpr unsigned kPorts = 3;  ///< WAN, LAN, DMZ.
+  static constexpr unsigned kCounters = 28;
+
+  explicit StatCounters(RegisterFile& registers);
+  StatCounters(const StatCounters&) = delete;
+  StatCounters& operator=(const StatCounters&) = delete;
+
+  void Reset();
+
+  /// Adds `amount` to a counter (port 0 WAN, 1 LAN, 2 DMZ). A counter that passes the end of its
+  /// width starts again at 0 and raises its overflow bit.
+  void Count(unsigned port, unsigned counter, std::uint32_t amount);
+
+  std::array<std::array<std::uint32_t, kCounters>, kPorts> counters{};
+  std::array<std::uint32_t, kPorts> overflow{};  ///< Bit i belongs to counter i.
+  Engine engine;
+
+ private:
+  /// What has been stored since the last start: only that does the next write apply.
+  struct Stored {
+    bool word_a = false;
+    bool word_b = false;
+    bool overflow = false;
+  };
+
+  bool Run(bool write);
+  void LoadWindow(unsigned port, unsigned group);
+  void ApplyWindow(unsigned port, unsigned group);
+
+  RegisterFile& registers_;
+  Stored stored_;
+};
+
+}  // namespace chip

@@ -1,0 +1,59 @@
+#include "chip/qos/pppoe_session.h"
+
+#include "qos/pppoe_session_registers.h"
+
+namespace chip {
+
+using namespace monitor;  // NOLINT: the register names
+
+namespace {
+
+constexpr std::uint8_t kSwitches =
+    kPstForce.Mask() | kPstTag.Mask() | kPstUsed.Mask() | kPstValid.Mask();
+
+}  // namespace
+
+PppoeSessionTable::PppoeSessionTable(RegisterFile& registers)
+    : engine(registers, "pst", kPstCommand, kTableEngineBits,
+             [this](std::uint8_t command) { return Run(kEngineWrite.Get(command) != 0); }),
+      registers_(registers) {
+  registers.Define(kPstIp);
+  registers.Define(kPstSession);
+  registers.Define(kPstVlan);
+  registers.Define(kPstServerMac);
+  registers.Define(kPstFlags);
+}
+
+void PppoeSessionTable::Reset() {
+  entries.fill({});
+  engine.Reset();
+}
+
+bool PppoeSessionTable::Run(bool write) {
+  const std::uint8_t flags = registers_.Get(kPstFlags);
+  Entry& entry = entries[kPstIndex.Get(flags)];
+  if (write) {
+    ApplyWindow(entry);
+  } else {
+    LoadWindow(entry, flags & kPstIndex.Mask());
+  }
+  return true;
+}
+
+void PppoeSessionTable::LoadWindow(const Entry& entry, std::uint8_t index_bits) {
+  registers_.Set(kPstIp, entry.ip);
+  registers_.Set(kPstSession, entry.session);
+  registers_.Set(kPstVlan, entry.vlan);
+  registers_.Set(kPstServerMac, entry.server_mac);
+  registers_.Set(kPstFlags, index_bits | entry.flags);
+}
+
+void PppoeSessionTable::ApplyWindow(Entry& entry) {
+  entry.ip = registers_.Get(kPstIp);
+  entry.session = registers_.Get(kPstSession);
+  entry.vlan = registers_.Get(kPstVlan);
+  entry.server_mac = registers_.Get(kPstServerMac);
+  entry.flags = registers_.Get(kPstFlags) & kSwitches;
+}
+
+}  // namespace chip

@@ -1,0 +1,40 @@
+// The PPPoE session table of the model: four entries behind the PST engine.
+#pragma once
+
+#include <array>
+
+#include "chip/engine.h"
+
+namespace chip {
+
+class PppoeSessionTable {
+ public:
+  static constexpr unsigned kEntries = 4;
+
+  /// An entry as its registers hold it.
+  struct Entry {
+    std::uint32_t ip = 0;
+    std::uint16_t session = 0;
+    std::uint16_t vlan = 0;
+    std::array<std::uint8_t, 6> server_mac{};
+    std::uint8_t flags = 0;  ///< Without the index.
+  };
+
+  explicit PppoeSessionTable(RegisterFile& registers);
+  PppoeSessionTable(const PppoeSessionTable&) = delete;
+  PppoeSessionTable& operator=(const PppoeSessionTable&) = delete;
+
+  void Reset();
+
+  std::array<Entry, kEntries> entries;
+  Engine engine;
+
+ private:
+  bool Run(bool write);
+  void LoadWindow(const Entry& entry, std::uint8_t index_bits);
+  void ApplyWindow(Entry& entry);
+
+  RegisterFile& registers_;
+};
+
+}  // namespace chip

@@ -1,0 +1,152 @@
+#include "chip/register_file.h"
+
+#include <cassert>
+#include <cstdio>
+
+namespace chip {
+namespace {
+
+std::string Hex(std::uint32_t value) {
+  char text[9];
+  std::snprintf(text, sizeof(text), "%04x", value);
+  return text;
+}
+
+std::string HoleText(std::uint32_t offset) { return "no register at " + Hex(offset); }
+
+}  // namespace
+
+RegisterFile::RegisterFile() { row_at_.fill(kUnclaimed); }
+
+void RegisterFile::Claim(std::uint16_t offset, unsigned width, const char* name,
+                         const Behaviour& behaviour) {
+  assert(offset % width == 0 && offset + width <= kSize);
+  for (unsigned i = 0; i < width; ++i) {
+    assert(row_at_[offset + i] == kUnclaimed);
+    row_at_[offset + i] = static_cast<std::uint16_t>(rows_.size());
+    plain_load_[offset + i] = !behaviour.before_load;
+    plain_store_[offset + i] =
+        behaviour.read_only == 0 && behaviour.write_one_to_clear == 0 && !behaviour.after_store;
+  }
+  Disassemble(offset, width, behaviour.reset);
+  rows_.push_back({offset, static_cast<std::uint8_t>(width), name, behaviour});
+}
+
+bool RegisterFile::ComplainOfAddress(std::uint32_t offset, unsigned width) {
+  if (std::uint64_t{offset} + width > kSize) {
+    Complain("access outside the window at " + Hex(offset));
+    return false;
+  }
+  Complain("access not aligned at " + Hex(offset));
+  return true;
+}
+
+const RegisterFile::Row* RegisterFile::WholeRow(std::uint32_t offset, unsigned width) const {
+  if (offset >= kSize || row_at_[offset] == kUnclaimed) return nullptr;
+  const Row& row = rows_[row_at_[offset]];
+  return row.offset == offset && row.width == width ? &row : nullptr;
+}
+
+template <typename VisitRow, typename VisitHole>
+void RegisterFile::ForEachRow(std::uint32_t offset, unsigned width, VisitRow visit_row,
+                              VisitHole visit_hole) {
+  std::uint32_t at = offset;
+  while (at < offset + width) {
+    const std::uint16_t index = row_at_[at];
+    if (index == kUnclaimed) {
+      ComplainOfHole(at);
+      visit_hole(at);
+      ++at;
+    } else {
+      const Row& row = rows_[index];
+      visit_row(row);
+      at = row.offset + row.width;
+    }
+  }
+}
+
+std::uint32_t RegisterFile::LoadSpecial(std::uint32_t offset, unsigned width) {
+  std::uint32_t value = WidthMask(width);
+  if (const Row* const row = WholeRow(offset, width)) {
+    Refresh(*row);
+    value = Assemble(offset, width);
+  } else if (IsProper(offset, width) || ComplainOfAddress(offset, width)) {
+    RefreshParts(offset, width);
+    value = Assemble(offset, width);
+  }
+  if (observer) observer({.store = false, .width = width, .offset = offset, .value = value});
+  return value;
+}
+
+void RegisterFile::StoreSpecial(std::uint32_t offset, unsigned width, std::uint32_t value) {
+  if (observer) observer({.store = true, .width = width, .offset = offset, .value = value});
+  if (const Row* const row = WholeRow(offset, width)) {
+    StoreToRow(*row, offset, WidthMask(width), value);
+  } else if (IsProper(offset, width) || ComplainOfAddress(offset, width)) {
+    StoreParts(offset, width, value);
+  }
+}
+
+void RegisterFile::RefreshParts(std::uint32_t offset, unsigned width) {
+  ForEachRow(offset, width, Refresh, [](std::uint32_t) {});
+}
+
+void RegisterFile::StoreParts(std::uint32_t offset, unsigned width, std::uint32_t value) {
+  const auto store_part = [&](const Row& row) {
+    // Line the access up with the register, of which it may reach a part.
+    const unsigned left = 32 + 8 * (row.offset + row.width - offset - width);
+    const auto align = [left](std::uint32_t bits) {
+      return static_cast<std::uint32_t>(std::uint64_t{bits} << left >> 32);
+    };
+    StoreToRow(row, offset, align(WidthMask(width)) & WidthMask(row.width), align(value));
+  };
+  // Bytes that no register claims behave as plain storage.
+  const auto store_byte = [&](std::uint32_t at) {
+    Disassemble(at, 1, value >> (8 * (offset + width - 1 - at)));
+  };
+  ForEachRow(offset, width, store_part, store_byte);
+}
+
+void RegisterFile::StoreToRow(const Row& row, std::uint32_t offset, std::uint32_t reach,
+                              std::uint32_t value) {
+  const Behaviour& behaviour = row.behaviour;
+  if ((behaviour.read_only & reach) == reach) ComplainOfStore(row, offset);
+  const std::uint32_t stored = value & reach;
+  const std::uint32_t old = Assemble(row.offset, row.width);
+  const std::uint32_t ordinary = reach & ~behaviour.read_only & ~behaviour.write_one_to_clear;
+  const std::uint32_t cleared = stored & behaviour.write_one_to_clear;
+  Disassemble(row.offset, row.width, ((old & ~ordinary) | (stored & ordinary)) & ~cleared);
+  if (behaviour.after_store) behaviour.after_store(stored);
+}
+
+void RegisterFile::Reset() {
+  bytes_.fill(0);
+  for (const Row& row : rows_) Disassemble(row.offset, row.width, row.behaviour.reset);
+}
+
+void RegisterFile::Complain(const std::string& text) {
+  if (++complaints_[text] == 1 && on_complaint) on_complaint(text);
+}
+
+void RegisterFile::ComplainOfStore(const Row& row, std::uint32_t offset) {
+  Complain("store to read-only " + row.name + " at " + Hex(offset));
+}
+
+void RegisterFile::ComplainOfHole(std::uint32_t offset) {
+  if (++hole_accesses_[offset] == 1 && on_complaint) on_complaint(HoleText(offset));
+}
+
+std::map<std::string, unsigned> RegisterFile::Complaints() const {
+  auto all = complaints_;
+  for (std::uint32_t offset = 0; offset < kSize; ++offset) {
+    if (hole_accesses_[offset] != 0) all[HoleText(offset)] = hole_accesses_[offset];
+  }
+  return all;
+}
+
+void RegisterFile::ForgetComplaints() {
+  complaints_.clear();
+  hole_accesses_.fill(0);
+}
+
+}  // namespace chip

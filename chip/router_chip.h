@@ -1,0 +1,83 @@
+// The whole model: the registers and every block behind them.
+#pragma once
+
+#include <functional>
+#include <vector>
+
+#include "chip/classifier/classifier.h"
+#include "chip/clock.h"
+#include "chip/mac/frame_engine.h"
+#include "chip/mac/stat_counters.h"
+#include "chip/qos/pdr.h"
+#include "chip/qos/pppoe_session.h"
+#include "chip/qos/pxt.h"
+#include "chip/register_file.h"
+#include "chip/system/chip_select.h"
+#include "chip/system/gpio.h"
+#include "chip/system/interrupt.h"
+#include "chip/system/mii.h"
+#include "chip/system/reset.h"
+#include "chip/system/timer.h"
+#include "chip/system/uart.h"
+#include "chip/tables/arp.h"
+#include "chip/tables/l3_route.h"
+#include "chip/tables/mcast.h"
+#include "chip/tables/nat.h"
+
+namespace chip {
+
+class RouterChip {
+ public:
+  RouterChip();
+  RouterChip(const RouterChip&) = delete;
+  RouterChip& operator=(const RouterChip&) = delete;
+
+  /// Power-on state of every register and block.
+  void Reset();
+
+  /// Every engine, for faults.
+  [[nodiscard]] std::vector<Engine*> Engines();
+
+  /// The engine of that name ("l3"); null when there is none.
+  [[nodiscard]] Engine* FindEngine(const std::string& name);
+
+  /// What can be made to fail: every engine, "reset" and "mii".
+  [[nodiscard]] std::vector<std::string> FaultNames();
+
+  /// Makes one of the FaultNames fail; false when nothing has that name.
+  [[nodiscard]] bool SetFault(const std::string& name, Fault fault);
+
+  /// What the timers count with. Time stands still until it is replaced.
+  Clock clock = [] { return std::uint64_t{0}; };
+
+  // What the monitor does on its bus beside loads and stores; empty when nobody watches.
+  std::function<void(std::uint16_t base)> on_map;  ///< Makes the buffer memory reachable there.
+  std::function<void(bool locked)> on_lock;        ///< Locks or unlocks interrupts.
+
+  RegisterFile registers;
+  ResetControl reset{
+      registers,
+      {.whole_chip = [this] { Reset(); }, .chip_selects = [this] { chip_selects.Reset(); }}};
+  Timers timers{registers, clock};
+  ChipSelects chip_selects{registers};
+  Gpio gpio{registers};
+  Uart uart{registers};
+  MiiInterface mii{registers};
+  StatCounters stat_counters{registers};
+  InterruptController interrupts{registers};
+  FrameEngine frames{registers, interrupts};
+  NatTables nat{registers};
+  L3RouteTable l3{registers};
+  McastTable mcast{registers};
+  ArpTable arp{registers};
+  Classifier classifier{registers};
+  PppoeSessionTable pst{registers};
+  PdrTable pdr{registers};
+  PxtTable pxt{registers};
+};
+
+/// The chip that the monitor's register and memory socket reaches. There must be one before the
+/// first access.
+void Attach(RouterChip& chip);
+
+}  // namespace chip

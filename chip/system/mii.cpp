@@ -1,0 +1,87 @@
+#include "chip/system/mii.h"
+
+#include "core/port_id.h"
+#include "system/mii_registers.h"
+
+namespace chip {
+namespace {
+
+using namespace monitor;  // NOLINT: the register names
+
+constexpr unsigned kUsualLoads = 4;
+constexpr std::uint16_t kNobody = 0xFFFF;
+
+constexpr auto kReady = kMiiReady.Mask<std::uint16_t>();
+constexpr auto kValid = kMiiReadValid.Mask<std::uint16_t>();
+
+}  // namespace
+
+MiiInterface::MiiInterface(RegisterFile& registers) : registers_(registers) {
+  registers.Define(kMiiCommand, {.reset = kReady,
+                                 .read_only = kReady | kValid,
+                                 .before_load = [this] { BeforeLoad(); },
+                                 .after_store =
+                                     [this](std::uint32_t stored) {
+                                       AfterStore(static_cast<std::uint16_t>(stored));
+                                     }});
+  registers.Define(kMiiWriteData);
+  registers.Define(kMiiReadData, {.read_only = 0xFFFF});
+}
+
+void MiiInterface::Reset() {
+  for (Phy& phy : phys_) phy.Reset();
+  loads_left_ = 0;
+  read_valid_ = false;
+  Publish();
+}
+
+Phy* MiiInterface::FindPhy(unsigned address) {
+  switch (address) {
+    case kPortWan:
+      return &phys_[0];
+    case kPortLan:
+      return &phys_[1];
+    case kPortDmz:
+      return &phys_[2];
+    default:
+      return nullptr;
+  }
+}
+
+void MiiInterface::SetLink(std::uint8_t port, bool up) {
+  if (Phy* const phy = FindPhy(port)) phy->SetLink(up);
+}
+
+void MiiInterface::BeforeLoad() {
+  if (loads_left_ != 0 && fault_.kind != Fault::Kind::kHang && --loads_left_ == 0) Complete();
+  Publish();
+}
+
+void MiiInterface::AfterStore(std::uint16_t stored) {
+  if (kMiiStart.Get(stored) != 0) {
+    if (loads_left_ != 0) registers_.Complain("mii access started while busy");
+    started_ = stored;
+    read_valid_ = false;
+    loads_left_ = fault_.kind == Fault::Kind::kSlow ? fault_.loads : kUsualLoads;
+  }
+  Publish();
+}
+
+void MiiInterface::Complete() {
+  Phy* const phy = fault_.kind == Fault::Kind::kFail ? nullptr : FindPhy(kMiiPhy.Get(started_));
+  const unsigned reg = kMiiRegister.Get(started_);
+  if (kMiiReadAccess.Get(started_) != 0) {
+    registers_.Set(kMiiReadData, phy != nullptr ? phy->Load(reg) : kNobody);
+    read_valid_ = true;
+  } else if (kMiiWriteAccess.Get(started_) != 0 && phy != nullptr) {
+    phy->Store(reg, registers_.Get(kMiiWriteData));
+  }
+}
+
+void MiiInterface::Publish() {
+  const bool ready = loads_left_ == 0 && fault_.kind != Fault::Kind::kBusy;
+  const unsigned status = ready ? kReady | (read_valid_ ? kValid : 0U) : 0U;
+  registers_.Set(kMiiCommand, (registers_.Get(kMiiCommand) & ~(kReady | kValid)) | status);
+}
+
+}  // namespace chip

@@ -1,0 +1,47 @@
+// The timers of the model: two 16-bit down counters, worked out from the clock when they are
+// looked at.
+#pragma once
+
+#include <array>
+
+#include "chip/clock.h"
+#include "chip/register_file.h"
+
+namespace chip {
+
+class Timers {
+ public:
+  /// Length of a count with divisor 1; a divisor of 0 counts as 1.
+  static constexpr std::uint64_t kNanosecondsPerCount = 1000;
+
+  /// `clock` must outlive the timers.
+  Timers(RegisterFile& registers, const Clock& clock);
+  Timers(const Timers&) = delete;
+  Timers& operator=(const Timers&) = delete;
+
+  void Reset();
+
+ private:
+  /// A timer's settings, which have held since `since`, and where it stood then.
+  struct Timer {
+    std::uint16_t load = 0;
+    std::uint16_t divisor = 0;
+    bool stopped = true;
+    bool paused = false;
+    std::uint16_t counter = 0;
+    std::uint64_t into_count = 0;  ///< Nanoseconds that the present count has lasted.
+    std::uint64_t since = 0;
+  };
+
+  void Claim(unsigned index);
+  void ShowCounter(unsigned index);
+  void TakeSettings();
+  void Advance(Timer& timer) const;
+  static void Count(Timer& timer, std::uint64_t counts);
+
+  RegisterFile& registers_;
+  const Clock& clock_;
+  std::array<Timer, 2> timers_;
+};
+
+}  // namespace chip

@@ -1,0 +1,27 @@
+// The console socket: where characters come from and go to. Filled at link time, by
+// device/console.cpp in both programs and by a scripted console in the tests.
+#pragma once
+
+#include <cstddef>
+
+namespace monitor {
+
+/// The next input character (0 to 255), or -1 when none is waiting. Never blocks.
+[[nodiscard]] int ConsoleReadChar();
+
+/// Queues `count` characters for output. Nothing is lost: a full queue is flushed first.
+void ConsoleSend(const char* text, std::size_t count);
+
+/// Hands everything queued to the output.
+void ConsoleFlush();
+
+/// Flushes, then sleeps until input is waiting or `microseconds` have passed; a negative time
+/// has no deadline. May return early.
+void ConsoleWait(long microseconds);
+
+/// For waits that may not end: flushes, and when the console is a terminal on which Ctrl-C has
+/// been typed, discards the input up to and including it and answers true. Input without a
+/// Ctrl-C is kept. Never true when input comes from a pipe or a file.
+[[nodiscard]] bool ConsoleInterrupted();
+
+}  // namespace monitor

@@ -1,0 +1,198 @@
+#include "device/console.h"
+
+#include <poll.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+
+#include "core/console_port.h"
+
+namespace monitor {
+namespace {
+
+constexpr char kCtrlC = 3;
+constexpr char kBackspace = 8;
+constexpr char kLineFeed = 10;
+constexpr char kCarriageReturn = 13;
+constexpr char kDelete = 127;
+
+constexpr int kExitFailure = 1;
+
+/// Pause between reads of an input that has ended: a terminal that hung up or a pipe without a
+/// writer is always "ready" and must not keep the processor busy, but may come back.
+constexpr long kEndedPauseMicroseconds = 100'000;
+
+ConsoleSetup g_setup;
+
+char g_input[4096];
+std::size_t g_input_begin = 0;
+std::size_t g_input_end = 0;
+bool g_input_ended = false;
+
+/// A look at the input is a system call. While passes follow each other without a wait, as when
+/// frames pour in, one pass in some is enough for it; printing takes time and makes it due.
+constexpr unsigned kPassesBetweenLooks = 8;
+unsigned g_passes_to_look = 0;
+
+char g_output[8192];
+std::size_t g_output_count = 0;
+
+/// Waits for an event on one of the descriptors; a negative time has no limit.
+bool WaitForAny(pollfd* entries, nfds_t count, long microseconds) {
+  const timespec limit{.tv_sec = microseconds / 1'000'000,
+                       .tv_nsec = microseconds % 1'000'000 * 1000};
+  return ppoll(entries, count, microseconds < 0 ? nullptr : &limit, nullptr) > 0;
+}
+
+bool WaitFor(int fd, short events, long microseconds) {
+  pollfd entry{.fd = fd, .events = events, .revents = 0};
+  return WaitForAny(&entry, 1, microseconds);
+}
+
+void WaitForInputOrWatched(long microseconds) {
+  pollfd entries[] = {{.fd = g_setup.input, .events = POLLIN, .revents = 0},
+                      {.fd = g_setup.watched, .events = POLLIN, .revents = 0}};
+  if (g_setup.only_events != nullptr && g_setup.only_events()) microseconds = -1;
+  if (!WaitForAny(entries, 2, microseconds)) {
+    // The wait itself was the look that the next pass would take.
+    g_passes_to_look = 1;
+  } else if (entries[1].revents != 0) {
+    g_setup.on_watched();
+  }
+}
+
+void Sleep(long microseconds) {
+  const timespec time{.tv_sec = microseconds / 1'000'000,
+                      .tv_nsec = microseconds % 1'000'000 * 1000};
+  nanosleep(&time, nullptr);
+}
+
+/// Reads what waits on the input, without blocking; the number of characters.
+std::size_t ReadWaiting(char* text, std::size_t room) {
+  if (!WaitFor(g_setup.input, POLLIN, 0)) return 0;
+  const ssize_t got = read(g_setup.input, text, room);
+  if (got > 0) {
+    g_input_ended = false;
+    return static_cast<std::size_t>(got);
+  }
+  if (got == 0 || (errno != EAGAIN && errno != EINTR)) g_input_ended = true;
+  return 0;
+}
+
+/// Discards the input up to and including a Ctrl-C; false, with the input kept, without one.
+bool DiscardToCtrlC() {
+  const void* const found = memchr(g_input + g_input_begin, kCtrlC, g_input_end - g_input_begin);
+  if (found == nullptr) return false;
+  g_input_begin = static_cast<std::size_t>(static_cast<const char*>(found) - g_input) + 1;
+  return true;
+}
+
+/// A message that does not go through the console, which may be what failed.
+void Complain(const char* reason) {
+  static constexpr char kWhat[] = "cannot write console output: ";
+  const auto tell = [](const char* text) {
+    if (write(STDERR_FILENO, text, strlen(text)) < 0) return;
+  };
+  tell(kWhat);
+  tell(reason);
+  tell("\n");
+}
+
+/// Ends the program when output cannot be delivered: nothing that was printed may be lost behind
+/// a success.
+[[noreturn]] void GiveUpOutput() {
+  const int error = errno;
+  if (error != EPIPE) Complain(strerror(error));
+  g_output_count = 0;
+  exit(kExitFailure);
+}
+
+void WriteAll(const char* text, std::size_t count) {
+  while (count != 0) {
+    const ssize_t done = write(g_setup.output, text, count);
+    if (done > 0) {
+      text += done;
+      count -= static_cast<std::size_t>(done);
+    } else if (done < 0 && errno == EAGAIN) {
+      WaitFor(g_setup.output, POLLOUT, -1);
+    } else if (done == 0 || errno != EINTR) {
+      GiveUpOutput();
+    }
+  }
+}
+
+}  // namespace
+
+void ConsoleOpen(const ConsoleSetup& setup) { g_setup = setup; }
+
+int ConsoleReadChar() {
+  if (g_input_begin == g_input_end) {
+    if (g_passes_to_look != 0) {
+      --g_passes_to_look;
+      return -1;
+    }
+    g_input_begin = 0;
+    g_input_end = ReadWaiting(g_input, sizeof(g_input));
+    if (g_input_end == 0) {
+      g_passes_to_look = kPassesBetweenLooks - 1;
+      return -1;
+    }
+  }
+  const char c = g_input[g_input_begin++];
+  if (c == kDelete && g_setup.delete_is_backspace) return kBackspace;
+  if (c == kCarriageReturn && g_setup.return_is_line_feed) return kLineFeed;
+  return static_cast<unsigned char>(c);
+}
+
+void ConsoleSend(const char* text, std::size_t count) {
+  g_passes_to_look = 0;
+  if (count > sizeof(g_output) - g_output_count) {
+    ConsoleFlush();
+    if (count > sizeof(g_output)) {
+      WriteAll(text, count);
+      return;
+    }
+  }
+  memcpy(g_output + g_output_count, text, count);
+  g_output_count += count;
+}
+
+void ConsoleFlush() {
+  const std::size_t count = g_output_count;
+  g_output_count = 0;
+  WriteAll(g_output, count);
+}
+
+void ConsoleWait(long microseconds) {
+  g_passes_to_look = 0;
+  ConsoleFlush();
+  if (g_input_begin != g_input_end) return;
+  if (g_setup.before_wait != nullptr) g_setup.before_wait();
+  if (!g_input_ended) {
+    WaitForInputOrWatched(microseconds);
+    return;
+  }
+  if (g_setup.at_end_of_input != nullptr) g_setup.at_end_of_input();
+  const bool shorter = microseconds >= 0 && microseconds < kEndedPauseMicroseconds;
+  Sleep(shorter ? microseconds : kEndedPauseMicroseconds);
+}
+
+bool ConsoleInterrupted() {
+  ConsoleFlush();
+  if (isatty(g_setup.input) == 0) return false;
+  if (g_input_begin != 0) {
+    memmove(g_input, g_input + g_input_begin, g_input_end - g_input_begin);
+    g_input_end -= g_input_begin;
+    g_input_begin = 0;
+  }
+  // A full buffer gives up its last character for each new one, as a terminal's own queue does,
+  // so that a Ctrl-C behind any amount of input is found.
+  if (g_input_end == sizeof(g_input)) --g_input_end;
+  g_input_end += ReadWaiting(g_input + g_input_end, sizeof(g_input) - g_input_end);
+  return DiscardToCtrlC();
+}
+
+}  // namespace monitor

@@ -1,0 +1,12 @@
+// The chip-wide forwarding switches, PPP mode and MTU on the console. Their registers belong to
+// the forwarding-control record.
+#pragma once
+
+#include "core/command.h"
+
+namespace monitor {
+
+/// The `ctrl` command.
+int ControlCommand(int argc, ArgVector argv);
+
+}  // namespace monitor

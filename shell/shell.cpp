@@ -1,0 +1,117 @@
+#include "shell/shell.h"
+
+#include <cstring>
+
+#include "classifier/classifier.h"
+#include "core/bus.h"
+#include "core/console_port.h"
+#include "mac/packet_service.h"
+#include "shell/command_table.h"
+#include "shell/history.h"
+#include "shell/line_editor.h"
+#include "shell/tokenise.h"
+
+namespace monitor {
+namespace {
+
+constexpr char kBanner[] = "\n\rDebug Monitor v0.9995.6.0(07-17-2002)";
+constexpr char kPrompt[] = "\n\rDebug>> ";
+constexpr char kInvalidCommand[] = "Invalid Command\n\r";
+constexpr char kNoCommand[] = "No command found\n\r";
+
+/// The word slots, one behind the other, and the terminator of a last word that fills its slot.
+char g_words[kMaxWords * kWordSize + 1];
+char* g_argv[kMaxWords];
+
+/// Sleeps between passes in which nothing happened: until a character comes, or, as frames give
+/// no sign, for a time that doubles up to a millisecond while the packet service is on.
+class IdleWait {
+ public:
+  void Restart() { microseconds_ = kShortest; }
+
+  void Sleep() {
+    if (!PacketServiceOn()) {
+      ConsoleWait(-1);
+      return;
+    }
+    ConsoleWait(microseconds_);
+    microseconds_ = microseconds_ < kLongest / 2 ? microseconds_ * 2 : kLongest;
+  }
+
+ private:
+  static constexpr long kShortest = 20;
+  static constexpr long kLongest = 1000;
+  long microseconds_ = kShortest;
+};
+
+void InitWords() {
+  for (int i = 0; i < kMaxWords; ++i) g_argv[i] = g_words + i * kWordSize;
+}
+
+/// Reads characters and serves frames until a line is complete.
+void CollectLine() {
+  IdleWait idle;
+  for (;;) {
+    const bool typed = LineEditorPoll();
+    const bool served = PacketServiceOn() && PacketService();
+    if (LineReady != 0) return;
+    // A script that waits goes on at once and its output in large pieces; an operator's echo and
+    // the frames printed meanwhile go out although nothing makes the loop sleep.
+    if (!typed) ConsoleFlush();
+    if (typed || served) {
+      idle.Restart();
+    } else {
+      idle.Sleep();
+    }
+  }
+}
+
+const CommandEntry* FindCommand(char* word) {
+  for (const CommandEntry& row : CommandTable) {
+    if (CommandNameMatch(word, row.name) == 0) return &row;
+  }
+  return nullptr;
+}
+
+void RunCommand(const CommandEntry& row, int argc) {
+  if (row.handler(argc, g_argv) == kUsage) {
+    ConsolePuts(kInvalidCommand);
+    std::strcpy(g_argv[1], g_argv[0]);  // NOLINT: a command word fits its slot
+    Help(2, g_argv);
+  }
+  // Should the next command fault, this one's answer has been seen.
+  ConsoleFlush();
+}
+
+}  // namespace
+
+int RunShell() {
+  HistoryInit();
+  InitWords();
+  ClsClearShadow();
+  ConsolePuts(kBanner);
+  for (;;) {
+    ConsolePuts(kPrompt);
+    CollectLine();
+    const int argc = Tokenise(g_argv, kMaxWords, kWordSize);
+    if (argc == 0) continue;
+    if (argc < 0) {
+      ConsolePuts("\n\r");
+      ConsolePuts(kInvalidCommand);
+      continue;
+    }
+    const CommandEntry* const row = FindCommand(g_argv[0]);
+    if (row == nullptr) {
+      ConsolePuts(kNoCommand);
+      continue;
+    }
+    if (row->handler == nullptr) {
+      IrqUnlock(0);
+      ConsoleFlush();
+      return 0;
+    }
+    RunCommand(*row, argc);
+  }
+}
+
+}  // namespace monitor

@@ -1,0 +1,21 @@
+// Raw bytes: the register window by offset, and two handlers of the same kind that work on plain
+// addresses of this process and have no row in the command table.
+#pragma once
+
+#include "core/command.h"
+
+namespace monitor {
+
+/// `reg <reg> [<bytes>] [= <values>]`: stores bytes, in increasing order, and dumps what reads
+/// back. A range that leaves the window is refused with nothing touched; a value that does not
+/// parse ends the storing after the values before it.
+int RegCommand(int argc, ArgVector argv);
+
+/// `<address> [<bytes>]`: dumps memory of this process.
+int MemoryDumpCommand(int argc, ArgVector argv);
+
+/// The write forms of `reg` on memory of this process, and `C <from> <to> <bytes>`, which copies
+/// bytes one at a time in increasing order and dumps the destination.
+int MemoryWriteCommand(int argc, ArgVector argv);
+
+}  // namespace monitor

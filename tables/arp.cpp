@@ -1,0 +1,80 @@
+#include "tables/arp.h"
+
+#include "core/filter_registers.h"
+#include "tables/arp_registers.h"
+
+namespace monitor {
+namespace {
+
+constexpr EngineStep kReadStep{kArpCommand, 0x04, 0xF6, kEngineReadReady};
+constexpr EngineStep kWriteStep{kArpCommand, 0x0C, 0xFD, kEngineWriteReady};
+
+constexpr bool InTable(unsigned index) { return static_cast<std::uint16_t>(index) < kArpSlots; }
+
+void SelectSlot(unsigned index) { Write(kArpIndex, static_cast<std::uint8_t>(index)); }
+
+}  // namespace
+
+DriverStatus ArpRead(unsigned index, ArpEntry& entry) {
+  if (!InTable(index)) return DriverStatus::kRefused;
+  SelectSlot(index);
+  const DriverStatus status = RunEngine(kReadStep);
+  if (Failed(status)) return status;
+
+  entry.ip = Read(kArpIp);
+  ReadBytes(kArpMac, entry.mac);
+  entry.valid = kArpValid.Get(Read(kArpFlags));
+  return DriverStatus::kOk;
+}
+
+DriverStatus ArpWrite(unsigned index, const ArpEntry& entry) {
+  if (!InTable(index)) return DriverStatus::kRefused;
+  IrqState saved;
+  IrqLock(&saved);
+  SelectSlot(index);
+  Write(kArpFlags, kArpValid.Mask());
+  Write(kArpIp, entry.ip);
+  WriteBytes(kArpMac, entry.mac);
+  return RunEngineUnlocking(kWriteStep, saved);
+}
+
+DriverStatus ArpDelete(unsigned index) {
+  if (!InTable(index)) return DriverStatus::kRefused;
+  SelectSlot(index);
+  const DriverStatus status = RunEngine(kReadStep);
+  if (Failed(status)) return status;
+
+  IrqState saved;
+  IrqLock(&saved);
+  ClearBits(kArpFlags, kArpValid);
+  return RunEngineUnlocking(kWriteStep, saved);
+}
+
+DriverStatus ArpReadReference(EntryMap& map) {
+  const DriverStatus status = RunEngine(kReadStep);
+  if (Failed(status)) return status;
+  ReadBytes(kArpReference, map);
+  return DriverStatus::kOk;
+}
+
+DriverStatus ArpClearReference(const EntryMap& map) {
+  IrqState saved;
+  IrqLock(&saved);
+  WriteBytes(kArpReference, map);
+  return RunEngineUnlocking(kWriteStep, saved);
+}
+
+DriverStatus ArpReadFilter(std::uint8_t& on) {
+  on = kFilterArp.Get(Read(kFilterControl));
+  return DriverStatus::kOk;
+}
+
+DriverStatus ArpWriteFilter(std::uint8_t on) {
+  IrqState saved;
+  IrqLock(&saved);
+  AssignBits(kFilterControl, kFilterArp, on != 0);
+  IrqUnlock(saved);
+  return DriverStatus::kOk;
+}
+
+}  // namespace monitor

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "core/engine.h"
+#include "core/register_map.h"
+
+namespace monitor {
+
+inline constexpr Reg32 kMcastIp{0x61C, "MCAST_IP", "group address"};
+inline constexpr Reg8 kMcastFlags{0x620, "MCAST_FLAGS", "member ports and valid bit"};
+inline constexpr Field kMcastValid{4, 4, "valid", "entry in use"};
+inline constexpr Field kMcastPorts{3, 0, "ports", "member ports: CPU, DMZ, LAN, WAN"};
+inline constexpr Reg8 kMcastCommand{0x621, "MCAST_COMMAND", "engine command and status"};
+inline constexpr Field kMcastCounterSelect{4, 4, "counter", "the step works on the counter"};
+inline constexpr Reg8 kMcastIndex{0x622, "MCAST_INDEX", "slot that a step works on"};
+inline constexpr RegBytes<8> kMcastOverflow{0x624, "MCAST_OVERFLOW",
+                                            "counter overflow, slot 0x3F first; 1 clears"};
+inline constexpr Reg32 kMcastCounter{0x62C, "MCAST_COUNTER", "counter of the slot"};
+
+inline constexpr RegisterRow kMcastRegisters[] = {
+    kMcastIp,
+    {kMcastFlags, {kMcastValid, kMcastPorts}},
+    {kMcastCommand,
+     {kMcastCounterSelect, kEngineWrite, kEngineStart, kEngineWriteReady, kEngineReadReady}},
+    kMcastIndex,
+    kMcastOverflow,
+    kMcastCounter,
+};
+
+}  // namespace monitor

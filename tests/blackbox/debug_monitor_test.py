@@ -1,0 +1,267 @@
+"""debug-monitor as it ships, on a file that stands in for the kernel's memory."""
+
+import fcntl
+import os
+import signal
+import subprocess
+import time
+import tty
+import unittest
+
+import kernel_memory
+import support
+from support import PROMPT, START
+
+MAPPED = b"db:ret of mmap is 0x50000000\n"
+
+
+class StartUp(kernel_memory.KernelMemoryTest):
+    def test_maps_greets_and_leaves_on_exit(self):
+        done = support.run(self.command(), b"exit\n")
+        self.assertEqual(done.stdout, MAPPED + START + b"exit\r\n")
+        self.assertEqual(done.stderr, b"")
+        self.assertEqual(done.returncode, 0)
+
+    def test_exit_in_capitals(self):
+        done = support.run(self.command(), b"EXIT\n")
+        self.assertEqual(done.stdout, MAPPED + START + b"EXIT\r\n")
+        self.assertEqual(done.returncode, 0)
+
+    def test_no_device(self):
+        done = support.run(kernel_memory.inside("", support.program("DEBUG_MONITOR")), b"exit\n")
+        self.assertEqual(done.stdout, b"db:open fails!\n")
+        self.assertEqual(done.stderr, b"")
+        self.assertEqual(done.returncode, 256 - 19)
+
+    def test_failed_mapping_is_shown_and_not_judged(self):
+        fifo = os.path.join(self.folder, "fifo")
+        os.mkfifo(fifo)
+        command = kernel_memory.inside(fifo, support.program("DEBUG_MONITOR"))
+        failed = b"db:ret of mmap is 0xffffffff\n"
+
+        done = support.run(command, b"exit\n")
+        self.assertEqual(done.stdout, failed + START + b"exit\r\n")
+        self.assertEqual(done.returncode, 0)
+
+        # The first register access faults; the line has been seen by then.
+        done = support.run(command, b"reg 0\n")
+        self.assertEqual(done.stdout[: len(failed)], failed)
+        self.assertNotEqual(done.returncode, 0)
+
+
+class Registers(kernel_memory.KernelMemoryTest):
+    def test_bytes(self):
+        self.store(0x600, bytes(range(0xA0, 0xB0)))
+        done = support.run(self.command(), b"reg 605 = 12 34 56\nreg 600 10\nexit\n")
+        self.assertEqual(
+            done.stdout,
+            MAPPED
+            + START
+            + b"reg 605 = 12 34 56\r\n"
+            + b"50000600: .. .. .. .. .. 12 34 56 .. .. .. .. .. .. .. .. \n\r"
+            + PROMPT
+            + b"reg 600 10\r\n"
+            + b"50000600: A0 A1 A2 A3 A4 12 34 56 A8 A9 AA AB AC AD AE AF \n\r"
+            + PROMPT
+            + b"exit\r\n",
+        )
+        after = bytes.fromhex("a0a1a2a3a4123456a8a9aaabacadaeaf")
+        self.assertEqual(self.load(0x600, 0x10), after)
+
+    def test_edge_of_the_window(self):
+        size = os.fstat(self.memory).st_size
+        done = support.run(self.command(), b"reg 1fff = 5a\nreg 2000 = 5b\nexit\n")
+        self.assertEqual(
+            done.stdout,
+            MAPPED
+            + START
+            + b"reg 1fff = 5a\r\n"
+            + b"50001FF0: .. .. .. .. .. .. .. .. .. .. .. .. .. .. .. 5A \n\r"
+            + PROMPT
+            + b"reg 2000 = 5b\r\n"
+            + b"Invalid Command\n\r"
+            + b"  reg      <reg> [<bytes>]                     \n\r"
+            + b"  reg      <reg> [<bytes>] = <values>          \n\r"
+            + PROMPT
+            + b"exit\r\n",
+        )
+        self.assertEqual(self.load(0x1FFE, 2), b"\x00\x5a")
+        self.assertEqual(os.fstat(self.memory).st_size, size)
+
+    def test_halfwords_are_big_endian(self):
+        self.store(0x101, b"\x03\x12\x34")
+        done = support.run(self.command(), b"version\nexit\n")
+        version = b"version\r\nVBQ1234 Version  3\n\r"
+        self.assertEqual(done.stdout, MAPPED + START + version + PROMPT + b"exit\r\n")
+
+    def test_words_are_big_endian(self):
+        monitor = subprocess.Popen(self.command(), stdin=subprocess.PIPE, stdout=subprocess.PIPE)
+        self.addCleanup(support.end, monitor)
+        screen = support.Screen(self, monitor.stdout.fileno())
+        screen.shows(MAPPED + START)
+
+        self.store(0x60D, b"\x03")
+        line = b"l3 5 = 10.1.2.3 18 172.16.33.4 lan 0 0 direct"
+        monitor.stdin.write(line + b"\n")
+        monitor.stdin.flush()
+        self.answer_engine(0x60D, b"\x09", b"\x0b")
+        self.answer_engine(0x60D, b"\x02", b"\x03")
+        screen.shows(
+            line
+            + b"\r\nINDEX:  5\tVALID\n\r"
+            + b"IP: 10.1.2.3        MASK: 18 NEXT HOP: 172.16.33.4    \n\r"
+            + b"PORT: LAN \tIPOE \tSESSION ID:  0\tDIRECT: TRUE \tWANMAC: FALSE\n\r\n\r"
+            + PROMPT
+        )
+        self.assertEqual(self.load(0x600, 4), bytes([10, 1, 2, 3]))
+        self.assertEqual(self.load(0x604, 2), b"\x18\x00")
+        self.assertEqual(self.load(0x608, 4), bytes([172, 16, 33, 4]))
+        self.assertEqual(self.load(0x60C), b"\x32")
+        self.assertEqual(self.load(0x60E), b"\x05")
+
+        # A counter that the engine loads: 0x12345678 lies in memory as it is written.
+        monitor.stdin.write(b"l3 c 5\n")
+        monitor.stdin.flush()
+        self.store(0x610, bytes.fromhex("12345678"))
+        self.answer_engine(0x60D, b"\x12", b"\x13")
+        screen.shows(b"l3 c 5\r\nINDEX: 5 COUNTER:12345678\n\r" + PROMPT)
+
+
+class Idle(kernel_memory.KernelMemoryTest):
+    SECONDS = 2
+    # Ten wake-ups a second are allowed behind the end of input.
+    LONGEST = 0.02
+
+    def test_no_processor_time_at_the_prompt(self):
+        """On a pipe and a terminal that stay silent, and behind the end of input, which is not
+        an exit."""
+        terminal = support.Terminal(self)
+        tty.setraw(terminal.fd)
+        monitors = [terminal.start(self.command())]
+        screens = [terminal.screen]
+        for source in (subprocess.PIPE, subprocess.DEVNULL):
+            monitors.append(
+                subprocess.Popen(self.command(), stdin=source, stdout=subprocess.PIPE)
+            )
+            self.addCleanup(support.end, monitors[-1])
+            screens.append(support.Screen(self, monitors[-1].stdout.fileno()))
+        for screen in screens:
+            screen.shows(MAPPED + START)
+
+        before = [support.processor_seconds(monitor) for monitor in monitors]
+        time.sleep(self.SECONDS)
+        used = [support.processor_seconds(m) - then for m, then in zip(monitors, before)]
+        self.assertEqual([m.poll() for m in monitors], [None, None, None])
+        self.assertLess(max(used), self.LONGEST, f"terminal, pipe, ended: {used} seconds")
+
+    def test_input_may_come_back(self):
+        """A named pipe ends with each writer and goes on with the next."""
+        path = os.path.join(self.folder, "input")
+        os.mkfifo(path)
+        reader = os.open(path, os.O_RDONLY | os.O_NONBLOCK)
+        self.addCleanup(os.close, reader)
+        monitor = subprocess.Popen(self.command(), stdin=reader, stdout=subprocess.PIPE)
+        self.addCleanup(support.end, monitor)
+        screen = support.Screen(self, monitor.stdout.fileno())
+        screen.shows(MAPPED + START)
+        for line, answer in ((b"a", b"\r\n" + support.UNKNOWN + PROMPT), (b"exit", b"\r\n")):
+            with open(path, "wb") as writer:
+                writer.write(line + b"\n")
+            screen.shows(line + answer)
+        self.assertEqual(monitor.wait(support.DEADLINE), 0)
+
+
+class Output(kernel_memory.KernelMemoryTest):
+    def leave_reader(self, **options):
+        """Status of a monitor whose reader goes away while it runs."""
+        monitor = subprocess.Popen(
+            self.command(),
+            stdin=subprocess.PIPE,
+            stdout=subprocess.PIPE,
+            stderr=subprocess.PIPE,
+            **options,
+        )
+        self.addCleanup(support.end, monitor)
+        support.Screen(self, monitor.stdout.fileno()).shows(MAPPED + START)
+        monitor.stdout.close()
+        monitor.stdin.write(b"help\n")
+        monitor.stdin.flush()
+        status = monitor.wait(support.DEADLINE)
+        self.assertEqual(monitor.stderr.read(), b"")
+        return status
+
+    def test_reader_goes_away(self):
+        self.assertEqual(self.leave_reader(), -signal.SIGPIPE)
+
+    def test_reader_goes_away_and_the_signal_is_ignored(self):
+        def ignore():
+            signal.signal(signal.SIGPIPE, signal.SIG_IGN)
+
+        status = self.leave_reader(restore_signals=False, preexec_fn=ignore)
+        self.assertEqual(status, 1)
+
+    def test_full_disk(self):
+        with open("/dev/full", "wb") as full:
+            done = support.run(self.command(), b"exit\n", stdout=full)
+        self.assertEqual(done.returncode, 1)
+        self.assertIn(b"No space left on device", done.stderr)
+
+    def test_full_disk_without_device(self):
+        with open("/dev/full", "wb") as full:
+            command = kernel_memory.inside("", support.program("DEBUG_MONITOR"))
+            self.assertNotEqual(support.run(command, stdout=full).returncode, 0)
+
+    def test_nothing_is_lost_on_an_output_that_does_not_block(self):
+        reader, writer = os.pipe()
+        self.addCleanup(os.close, reader)
+        fcntl.fcntl(writer, fcntl.F_SETPIPE_SZ, 4096)
+        os.set_blocking(writer, False)
+        monitor = subprocess.Popen(self.command(), stdin=subprocess.PIPE, stdout=writer)
+        self.addCleanup(support.end, monitor)
+        os.close(writer)
+        monitor.stdin.write(b"reg 0 2000\nexit\n")
+        monitor.stdin.flush()
+        zeros = 16 * b"00 " + b"\n\r"
+        dump = b"".join(b"%08X: " % (0x50000000 + at) + zeros for at in range(0, 0x2000, 16))
+        screen = support.Screen(self, reader)
+        screen.shows(MAPPED + START + b"reg 0 2000\r\n" + dump + PROMPT + b"exit\r\n")
+        self.assertEqual(monitor.wait(support.DEADLINE), 0)
+
+    def test_same_bytes_into_pipe_file_and_terminal(self):
+        script = b"help\nhelp clsfr\nreg 100 40\nreg 3 =\nl3\n" + 40 * b"long " + b"\nexit\n"
+        pipe = support.run(self.command(), script).stdout
+        self.assertEqual(pipe[: len(MAPPED + START)], MAPPED + START)
+
+        with open(os.path.join(self.folder, "output"), "w+b") as file:
+            support.run(self.command(), script, stdout=file)
+            file.seek(0)
+            self.assertEqual(file.read(), pipe)
+
+        terminal = support.Terminal(self)
+        tty.setraw(terminal.fd)
+        monitor = terminal.start(self.command(), stdin=subprocess.PIPE)
+        monitor.stdin.write(script)
+        monitor.stdin.flush()
+        terminal.screen.shows(pipe)
+        self.assertEqual(monitor.wait(support.DEADLINE), 0)
+
+
+class ClosedStreams(kernel_memory.KernelMemoryTest):
+    """The device is opened where a closed stream was, and must not become the console."""
+
+    def test_closed_input(self):
+        monitor = subprocess.Popen(
+            ["sh", "-c", 'exec "$@" <&-', "sh", *self.command()], stdout=subprocess.PIPE
+        )
+        self.addCleanup(support.end, monitor)
+        support.Screen(self, monitor.stdout.fileno()).shows(MAPPED + START)
+        self.assertNotIn("0", os.listdir(f"/proc/{monitor.pid}/fd"))
+
+    def test_closed_output(self):
+        done = support.run(["sh", "-c", 'exec "$@" >&-', "sh", *self.command()], b"exit\n")
+        self.assertEqual(done.returncode, 1)
+        self.assertEqual(os.pread(self.memory, 64, 0), bytes(64))
+
+
+if __name__ == "__main__":
+    support.main()

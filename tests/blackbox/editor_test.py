@@ -1,0 +1,160 @@
+"""The line editor of virtual-board on a terminal: keys in, bytes out."""
+
+import time
+import unittest
+
+import support
+from support import PROMPT, REDRAW, START, UNKNOWN
+
+UP = b"\x1b[A"
+DOWN = b"\x1b[B"
+CTRL_C = b"\x03"
+CTRL_D = b"\x04"
+BACKSPACE = b"\x08"
+DELETE = b"\x7f"
+ERASED = b"\b \b"
+
+# The names of all commands, six a line.
+NAMES = (
+    b"help       reg        timer      reset      version    cs         \n\r"
+    b"macaddr    maccfg     frame      uart       natcfg     nat        \n\r"
+    b"l3         mcast      arp        clsfr      sc         mii        \n\r"
+    b"gpiocfg    gpio       qos        tdmcfg     tdm        pst        \n\r"
+    b"pdr        pxt        rc         ctrl       exit       "
+)
+
+
+class EditorTest(unittest.TestCase):
+    def start(self, *options):
+        self.terminal = support.Terminal(self)
+        self.terminal.start([support.program("VIRTUAL_BOARD"), *options])
+        self.terminal.screen.until(START)
+
+    def press(self, keys, shown):
+        """Types the keys; exactly `shown` appears."""
+        self.terminal.type(keys)
+        self.terminal.screen.shows(shown)
+
+    def enter(self, line):
+        """Enters a line that is no command."""
+        self.press(line + b"\r", line + b"\r\n" + UNKNOWN + PROMPT)
+
+
+class Keys(EditorTest):
+    def setUp(self):
+        self.start()
+
+    def test_each_key_is_echoed_at_once(self):
+        for key in (b"h", b"e", b"l", b"p", b"\t", b"\x01", b"\x80", b"\xff"):
+            self.press(key, key)
+
+    def test_enter_is_a_line_feed(self):
+        self.press(b"\r", b"\r\n" + PROMPT)
+        self.press(b"\n", b"\r\n" + PROMPT)
+
+    def test_backspace(self):
+        self.press(b"a", b"a")
+        self.press(b"b", b"b")
+        self.press(BACKSPACE, ERASED)
+        self.press(b"c", b"c")
+        self.press(b"\r", b"\r\n" + UNKNOWN + PROMPT)
+        self.press(UP, REDRAW + b"ac")
+
+    def test_delete_is_a_backspace(self):
+        self.press(b"ab", b"ab")
+        self.press(DELETE, ERASED)
+        self.press(DELETE, ERASED)
+        self.press(DELETE + BACKSPACE + b"x", b"x")
+
+    def test_backspace_in_an_empty_line(self):
+        self.press(BACKSPACE + b"x", b"x")
+
+    def test_unknown_escape_sequences_vanish(self):
+        self.press(b"a\x1bxb\x1b[Cc", b"abc")
+        self.press(b"\r", b"\r\n" + UNKNOWN + PROMPT)
+        self.press(UP, REDRAW + b"abc")
+
+    def test_echo_breaks_behind_the_71st_character(self):
+        self.press(70 * b"x", 70 * b"x")
+        self.press(b"y", b"y\n\r")
+        self.press(b"z", b"z")
+
+    def test_line_of_300_characters_is_cut_at_254(self):
+        line = b"help" + 250 * b" " + 46 * b"x"
+        echo = line[:71] + b"\n\r" + line[71:151] + b"\n\r" + line[151:]
+        self.press(line + b"\r", echo + b"\r\n" + NAMES + PROMPT)
+        # A cut line is not entered into the history.
+        self.press(UP, REDRAW)
+
+    def test_ctrl_c_and_ctrl_d_discard_the_line(self):
+        for key in (CTRL_C, CTRL_D):
+            self.press(b"help" + key, b"help" + key)
+            self.press(b"\r", b"\r\n" + PROMPT)
+            self.press(UP, REDRAW)
+            self.press(b"\r", b"\r\n" + PROMPT)
+
+
+class History(EditorTest):
+    def setUp(self):
+        self.start()
+
+    def test_empty(self):
+        self.press(UP, REDRAW)
+        self.press(DOWN, REDRAW)
+
+    def test_up_and_down(self):
+        self.enter(b"one")
+        self.enter(b"two")
+        self.press(UP, REDRAW + b"two")
+        self.press(UP, REDRAW + b"one")
+        self.press(DOWN, REDRAW + b"two")
+        self.press(DOWN, REDRAW)
+        self.press(UP, REDRAW + b"two")
+
+    def test_recalled_line_can_be_edited_and_entered(self):
+        self.enter(b"held")
+        self.press(UP, REDRAW + b"held")
+        self.press(BACKSPACE + b"p", ERASED + b"p")
+        self.press(b"\r", b"\r\n" + NAMES + PROMPT)
+
+    def test_nine_lines_leave_the_last_eight(self):
+        lines = [b"line%d" % i for i in range(1, 10)]
+        for line in lines:
+            self.enter(line)
+        for line in reversed(lines[1:]):
+            self.press(UP, REDRAW + line)
+        self.press(UP, REDRAW + b"line2")
+
+
+class KeptDelete(EditorTest):
+    def test_delete_is_an_ordinary_character(self):
+        self.start("--keep-delete")
+        self.press(b"a" + DELETE, b"a" + DELETE)
+        self.press(BACKSPACE, ERASED)
+
+
+class HangingEngine(EditorTest):
+    LONGEST = 0.5
+
+    def test_ctrl_c_ends_the_wait(self):
+        self.start("--fault", "hang:l3")
+        # The end of the echo shows that the monitor has looked at the console while it waits.
+        self.press(b"l3 0\r", b"l3 0\r\n")
+        begin = time.monotonic()
+        self.press(CTRL_C, b"L3 Read failed\n\r" + PROMPT)
+        self.assertLess(time.monotonic() - begin, self.LONGEST)
+
+    def test_typed_ahead_is_kept_without_ctrl_c(self):
+        self.start("--fault", "slow:l3:2000000")
+        self.press(b"l3 0\r", b"l3 0\r\n")
+        self.press(b"kept\r", support.EMPTY_ROUTE % 0 + PROMPT + b"kept\r\n" + UNKNOWN + PROMPT)
+
+    def test_typed_ahead_of_ctrl_c_is_discarded(self):
+        self.start("--fault", "hang:l3")
+        self.press(b"l3 0\r", b"l3 0\r\n")
+        self.press(b"lost\r" + CTRL_C + b"kept\r", b"L3 Read failed\n\r" + PROMPT)
+        self.terminal.screen.shows(b"kept\r\n" + UNKNOWN + PROMPT)
+
+
+if __name__ == "__main__":
+    support.main()

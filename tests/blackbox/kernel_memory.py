@@ -1,0 +1,70 @@
+"""debug-monitor in a mount namespace of its own, whose memory device is a file of the test."""
+
+import os
+import shutil
+import subprocess
+import tempfile
+import time
+import unittest
+
+import support
+
+DEVICE = os.environ.get("DEBUG_MONITOR_DEVICE", "/dev/kmem")
+WINDOW = int(os.environ.get("DEBUG_MONITOR_WINDOW", "0x40000000"), 0)
+WINDOW_SIZE = 0x2000
+
+# Arguments: what the device is, a path or nothing; the program.
+ENTER = 'mount -t tmpfs none /dev && if [ -n "$1" ]; then ln -s "$1" /dev/kmem; fi && exec "$2"'
+
+
+def inside(device, program):
+    """The command that runs a program where the memory device is `device`, or absent."""
+    unshare = ["unshare", "--mount"] if os.geteuid() == 0 else ["unshare", "--mount", "-r"]
+    return [*unshare, "sh", "-c", ENTER, "sh", device, program]
+
+
+def why_not():
+    """What is missing for a memory device of our own, or None."""
+    if DEVICE != "/dev/kmem":
+        return f"this build's device is {DEVICE}, not /dev/kmem"
+    if shutil.which("unshare") is None:
+        return "there is no unshare (package util-linux)"
+    tried = subprocess.run(inside("", shutil.which("true")), capture_output=True, check=False)
+    if tried.returncode != 0:
+        return "no right to mount in a namespace: " + tried.stderr.decode().strip()
+    return None
+
+
+WHY_NOT = why_not()
+
+
+@unittest.skipIf(WHY_NOT, WHY_NOT)
+class KernelMemoryTest(unittest.TestCase):
+    """A test with a memory device in which the register window lies."""
+
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = folder.name
+        self.path = os.path.join(folder.name, "kmem")
+        self.memory = os.open(self.path, os.O_RDWR | os.O_CREAT)
+        self.addCleanup(os.close, self.memory)
+        os.truncate(self.memory, WINDOW + WINDOW_SIZE)
+
+    def command(self):
+        return inside(self.path, support.program("DEBUG_MONITOR"))
+
+    def store(self, offset, data):
+        """Puts bytes into the register window, beside the monitor."""
+        os.pwrite(self.memory, data, WINDOW + offset)
+
+    def load(self, offset, count=1):
+        return os.pread(self.memory, count, WINDOW + offset)
+
+    def answer_engine(self, command, waiting, done):
+        """Plays an engine: waits until the monitor has left `waiting` in the command byte, and
+        then stores `done`, the same with a ready bit set."""
+        deadline = time.monotonic() + support.DEADLINE
+        while self.load(command) != waiting:
+            self.assertLess(time.monotonic(), deadline, f"command byte: {self.load(command)}")
+        self.store(command, done)

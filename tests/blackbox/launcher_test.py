@@ -1,0 +1,167 @@
+"""debug-monitor-console: the terminal while the monitor runs and after it."""
+
+import os
+import shutil
+import signal
+import subprocess
+import tempfile
+import time
+import unittest
+
+import kernel_memory
+import support
+from support import PROMPT, START, UNKNOWN
+
+# Stands in for the monitor: tells that it runs and its number, takes a line, ends with it.
+MONITOR = """#!/bin/sh
+echo "running $$"
+read -r line
+exit "$line"
+"""
+
+
+class LauncherTest(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = folder.name
+        self.launcher = os.path.join(self.folder, "debug-monitor-console")
+        shutil.copy(support.program("LAUNCHER"), self.launcher)
+        self.terminal = support.Terminal(self)
+        self.before = self.terminal.settings()
+
+    def install(self, folder, text=MONITOR):
+        path = os.path.join(folder, "debug-monitor")
+        with open(path, "w", encoding="ascii") as file:
+            file.write(text)
+        os.chmod(path, 0o755)
+
+    def start(self, **options):
+        """Starts the launcher and waits for the monitor; the monitor's process number."""
+        self.terminal.start([self.launcher], **options)
+        self.terminal.screen.until(b"running ")
+        return int(self.terminal.screen.until(b"\n"))
+
+    def expect_end(self, status):
+        self.assertEqual(self.terminal.status(), status)
+        self.assertEqual(self.terminal.settings(), self.before)
+
+
+class Terminal(LauncherTest):
+    def setUp(self):
+        super().setUp()
+        self.install(self.folder)
+
+    def test_is_set_and_restored_and_the_status_passed_on(self):
+        self.start()
+        self.assertTrue(support.is_editor_mode(self.terminal.settings()))
+        # Enter ends the line that the stand-in reads.
+        self.terminal.type(b"7\r")
+        self.expect_end(7)
+
+    def test_signals(self):
+        numbers = (signal.SIGHUP, signal.SIGINT, signal.SIGQUIT, signal.SIGTERM)
+        for number in numbers:
+            with self.subTest(number.name):
+                monitor = self.start()
+                self.terminal.process.send_signal(number)
+                self.expect_end(128 + number)
+                self.assertFalse(os.path.exists(f"/proc/{monitor}"))
+
+    def test_monitor_dies_of_a_signal(self):
+        monitor = self.start()
+        os.kill(monitor, signal.SIGKILL)
+        self.expect_end(128 + signal.SIGKILL)
+
+    def test_no_terminal(self):
+        done = support.run([self.launcher], b"5\n")
+        self.assertEqual(done.returncode, 5)
+        self.assertTrue(done.stdout.startswith(b"running "))
+        self.assertEqual(done.stderr, b"")
+
+
+class Search(LauncherTest):
+    def environment(self, *folders):
+        return {**os.environ, "PATH": os.pathsep.join([*folders, os.environ["PATH"]])}
+
+    def test_in_path(self):
+        other = os.path.join(self.folder, "a folder")
+        os.mkdir(other)
+        self.install(other)
+        self.start(env=self.environment(other))
+        self.terminal.type(b"3\r")
+        self.expect_end(3)
+
+    def test_beside_it_first(self):
+        other = os.path.join(self.folder, "other")
+        os.mkdir(other)
+        self.install(other, "#!/bin/sh\nexit 1\n")
+        self.install(self.folder)
+        self.start(env=self.environment(other))
+        self.terminal.type(b"4\r")
+        self.expect_end(4)
+
+    def test_nowhere(self):
+        self.terminal.start([self.launcher])
+        self.terminal.screen.until(b"debug-monitor is neither in")
+        self.expect_end(127)
+
+
+class RealMonitor(LauncherTest, kernel_memory.KernelMemoryTest):
+    """The launcher starts the real program in its namespace."""
+
+    def setUp(self):
+        LauncherTest.setUp(self)
+        kernel_memory.KernelMemoryTest.setUp(self)
+        self.launcher = os.path.join(self.folder, "debug-monitor-console")
+        shutil.copy(support.program("LAUNCHER"), self.launcher)
+
+    def install_monitor(self, device):
+        command = kernel_memory.inside(device, support.program("DEBUG_MONITOR"))
+        words = " ".join("'" + word + "'" for word in command)
+        self.install(self.folder, f"#!/bin/sh\nexec {words}\n")
+
+    def test_session(self):
+        self.install_monitor(self.path)
+        self.terminal.start([self.launcher])
+        screen = self.terminal.screen
+        screen.shows(b"db:ret of mmap is 0x50000000\n" + START)
+        self.terminal.type(b"ab\x08c\x03\r")
+        screen.shows(b"ab\b \bc\x03\r\n" + PROMPT)
+        self.terminal.type(b"zz\r")
+        screen.shows(b"zz\r\n" + UNKNOWN + PROMPT)
+        self.terminal.type(b"exit\r")
+        screen.shows(b"exit\r\n")
+        self.expect_end(0)
+
+    def test_ctrl_c_ends_a_wait(self):
+        self.install_monitor(self.path)
+        self.store(0x60D, b"\x03")
+        self.terminal.start([self.launcher])
+        screen = self.terminal.screen
+        screen.shows(b"db:ret of mmap is 0x50000000\n" + START)
+        self.terminal.type(b"l3 0\r")
+        screen.shows(b"l3 0\r\n")
+        begin = time.monotonic()
+        self.terminal.type(b"\x03")
+        screen.shows(b"L3 Read failed\n\r" + PROMPT)
+        self.assertLess(time.monotonic() - begin, 0.5)
+
+    def test_no_device(self):
+        self.install_monitor("")
+        self.terminal.start([self.launcher])
+        self.terminal.screen.shows(b"db:open fails!\n")
+        self.expect_end(256 - 19)
+
+
+class Script(unittest.TestCase):
+    @unittest.skipIf(shutil.which("shellcheck") is None, "there is no shellcheck")
+    def test_shellcheck_finds_nothing(self):
+        done = subprocess.run(
+            ["shellcheck", support.program("LAUNCHER")], capture_output=True, check=False
+        )
+        self.assertEqual((done.returncode, done.stdout), (0, b""))
+
+
+if __name__ == "__main__":
+    support.main()

@@ -1,0 +1,225 @@
+"""The command line of virtual-board, and scripts on its standard input."""
+
+import os
+import tempfile
+import unittest
+
+import support
+from support import PROMPT, START, UNKNOWN, run
+
+BOARD = support.program("VIRTUAL_BOARD")
+
+# Options, and the pieces of the message that they draw.
+BAD_OPTIONS = [
+    (["--trase", "x"], ["'--trase'", "'--trace'"]),
+    (["--trase=x"], ["'--trase'", "'--trace'"]),
+    (["--keep"], ["'--keep'", "'--keep-delete'"]),
+    (["--fualt", "hang:l3"], ["'--fualt'", "'--fault'"]),
+    (["--tpy", "--halp"], ["'--tpy'", "'--pty'", "'--halp'", "'--help'"]),
+    (["-x"], ["'-x'"]),
+    (["script"], ["'script'"]),
+    (["--", "--pty"], ["--"]),
+    (["--trace"], ["--trace", "FILE"]),
+    (["--pty"], ["--pty", "LINK"]),
+    (["--fault"], ["--fault", "SPEC"]),
+    (["--trace", "--pty"], ["--trace", "'--pty'"]),
+    (["--pty", "a", "--pty", "b"], ["--pty"]),
+    (["--keep-delete=maybe"], ["--keep-delete"]),
+    (["--uart"], ["--uart", "FILE"]),
+    (["--capture"], ["--capture", "FILE"]),
+    (["--gpio-in"], ["--gpio-in", "HEX"]),
+    (["--gpio-in", "--trace"], ["--gpio-in", "'--trace'"]),
+    (["--gpio-in", ""], ["--gpio-in", "''", "0 to ff"]),
+    (["--gpio-in", "g"], ["--gpio-in", "'g'", "0 to ff"]),
+    (["--gpio-in", "5x"], ["--gpio-in", "'5x'"]),
+    (["--gpio-in", "0x5"], ["--gpio-in", "'0x5'"]),
+    (["--gpio-in", "100"], ["--gpio-in", "'100'"]),
+    (["--gpio-in", "1", "--gpio-in", "2"], ["--gpio-in"]),
+    (["--fault", ""], ["--fault"]),
+    (["--fault", "hang"], ["hang", "engine is missing", "l3"]),
+    (["--fault", "hang:"], ["''", "l3"]),
+    (["--fault", "hang:l4"], ["'l4'", "known are", "l3"]),
+    (["--fault", "hang:L3"], ["'L3'", "known are", "l3"]),
+    (["--fault", "hand:l3"], ["'hand'", "known are hang, busy, fail, slow"]),
+    (["--fault", "slow:l3"], ["slow:l3", "number of loads is missing"]),
+    (["--fault", "slow:l3:"], ["slow:l3:", "''"]),
+    (["--fault", "slow:l3:0"], ["'0'"]),
+    (["--fault", "slow:l3:5x"], ["'5x'"]),
+    (["--fault", "slow:l3:99999999999"], ["'99999999999'"]),
+    (["--fault", "slow:l3:5:6"], ["'6'"]),
+    (["--fault", "hang:l3:5"], ["'5'"]),
+    (["--fault", "hang:l3", "busy:l3"], ["'busy:l3'"]),
+    (["--fault", "hang:l3", "--fault", "oops:l3"], ["'oops'"]),
+]
+
+
+class CommandLine(unittest.TestCase):
+    def test_bad_options(self):
+        for options, pieces in BAD_OPTIONS:
+            with self.subTest(options):
+                done = run([BOARD, *options], b"exit\n")
+                message = done.stderr.decode()
+                self.assertEqual(done.returncode, 2)
+                self.assertEqual(done.stdout, b"")
+                self.assertTrue(message.startswith("virtual-board: "), message)
+                self.assertEqual(message.count("\n"), 1)
+                for piece in pieces:
+                    self.assertIn(piece, message)
+
+    def test_help(self):
+        for option in ("--help", "-h"):
+            done = run([BOARD, option])
+            self.assertEqual(done.returncode, 0)
+            self.assertEqual(done.stderr, b"")
+            for piece in (b"--pty LINK", b"--trace FILE", b"--fault SPEC", b"--keep-delete",
+                          b"--version", b"hang:ENGINE", b"slow:ENGINE:LOADS", b"l3"):
+                self.assertIn(piece, done.stdout)
+
+    def test_version(self):
+        done = run([BOARD, "--version"])
+        self.assertEqual(done.stdout.decode(), f"virtual-board {os.environ['BOARD_VERSION']}\n")
+        self.assertEqual((done.returncode, done.stderr), (0, b""))
+
+    def test_help_onto_a_full_disk(self):
+        for option in ("--help", "--version"):
+            with open("/dev/full", "wb") as full:
+                self.assertEqual(run([BOARD, option], stdout=full).returncode, 1)
+
+    def test_files_that_cannot_be_made(self):
+        with tempfile.TemporaryDirectory() as folder:
+            taken = os.path.join(folder, "taken")
+            with open(taken, "wb"):
+                pass
+            missing = os.path.join(folder, "missing", "name")
+            cases = [
+                ("--trace", folder, "Is a directory"),
+                ("--trace", missing, "No such file or directory"),
+                ("--uart", folder, "Is a directory"),
+                ("--uart", missing, "No such file or directory"),
+                ("--capture", folder, "Is a directory"),
+                ("--capture", missing, "No such file or directory"),
+                ("--pty", taken, "File exists"),
+                ("--pty", missing, "No such file or directory"),
+            ]
+            for option, path, reason in cases:
+                with self.subTest([option, path]):
+                    done = run([BOARD, option, path], b"exit\n")
+                    self.assertEqual(done.returncode, 1)
+                    self.assertEqual(done.stdout, b"")
+                    message = done.stderr.decode().replace("'", "")
+                    self.assertRegex(message, f"{path}: (cannot write: )?{reason}\n$")
+            self.assertEqual(os.listdir(folder), ["taken"])
+
+
+class Script(unittest.TestCase):
+    LINES = b"l3 5\nzz\n"
+    OUTPUT = (
+        START
+        + b"l3 5\r\n"
+        + support.EMPTY_ROUTE % 5
+        + PROMPT
+        + b"zz\r\n"
+        + UNKNOWN
+        + PROMPT
+    )
+
+    def expect(self, done, output):
+        self.assertEqual(done.stdout, output)
+        self.assertEqual((done.returncode, done.stderr), (0, b""))
+
+    def test_from_a_pipe_ends_with_it(self):
+        self.expect(run([BOARD], self.LINES), self.OUTPUT)
+
+    def test_from_a_file_ends_with_it(self):
+        with tempfile.TemporaryFile() as file:
+            file.write(self.LINES)
+            file.seek(0)
+            self.expect(run([BOARD], None, stdin=file), self.OUTPUT)
+
+    def test_nothing_at_all(self):
+        self.expect(run([BOARD]), START)
+
+    def test_exit_ends_it_earlier(self):
+        self.expect(run([BOARD], b"exit\nzz\n"), START + b"exit\r\n")
+
+    def test_unfinished_line_is_not_run(self):
+        self.expect(run([BOARD], b"help"), START + b"help")
+
+    def test_keys_arrive_as_they_are(self):
+        self.expect(run([BOARD], b"a\x7f\r\n"), START + b"a\x7f\r\r\n" + UNKNOWN + PROMPT)
+
+    def test_closed_streams(self):
+        done = run(["sh", "-c", 'exec "$0" <&-', BOARD], b"zz\n")
+        self.expect(done, START)
+        done = run(["sh", "-c", 'exec "$0" >&-', BOARD], b"zz\n")
+        self.assertEqual(done.returncode, 1)
+
+    def test_full_disk(self):
+        with open("/dev/full", "wb") as full:
+            done = run([BOARD], b"exit\n", stdout=full)
+        self.assertEqual(done.returncode, 1)
+        self.assertIn(b"No space left on device", done.stderr)
+
+
+class Chip(unittest.TestCase):
+    def output(self, line, *options):
+        """What a line prints."""
+        done = run([BOARD, *options], line + b"\n")
+        self.assertEqual((done.returncode, done.stderr), (0, b""))
+        head = START + line + b"\r\n"
+        self.assertEqual(done.stdout[: len(head)], head)
+        self.assertEqual(done.stdout[-len(PROMPT) :], PROMPT)
+        return done.stdout[len(head) : -len(PROMPT)]
+
+    def test_busy_engine(self):
+        self.assertEqual(self.output(b"l3 0", "--fault", "busy:l3"), b"L3 Read failed\n\r")
+
+    def test_slow_engine(self):
+        self.assertEqual(self.output(b"l3 0", "--fault=slow:l3:50"), support.EMPTY_ROUTE % 0)
+
+    def test_last_fault_of_an_engine_holds(self):
+        faults = ("--fault", "hang:l3", "--fault", "busy:l3")
+        self.assertEqual(self.output(b"l3 0", *faults), b"L3 Read failed\n\r")
+
+    def test_levels_of_the_pins(self):
+        """Pins whose direction bit is 0 are inputs; the others show what is written to them."""
+        self.assertEqual(self.output(b"gpio", "--gpio-in", "A5"), b"DATA: a5\n\r")
+        self.assertEqual(self.output(b"gpio", "--gpio-in=0"), b"DATA:  0\n\r")
+        self.assertEqual(self.output(b"gpio"), b"DATA:  0\n\r")
+
+    def test_bytes_of_the_uart(self):
+        lines = b"".join(b"uart thr = %x\n" % byte for byte in (0x41, 0x0A, 0xFF))
+        # A divisor is no byte that is sent.
+        lines += b"uart dll = 42\nuart thr = 0\n"
+        with tempfile.TemporaryDirectory() as folder:
+            path = os.path.join(folder, "uart")
+            done = run([BOARD, "--uart", path], lines)
+            self.assertEqual((done.returncode, done.stderr), (0, b""))
+            with open(path, "rb") as file:
+                self.assertEqual(file.read(), b"A\n\xff\0")
+
+    def test_uart_onto_a_full_disk(self):
+        done = run([BOARD, "--uart", "/dev/full"], 3 * b"uart thr = 41\n" + b"zz\n")
+        self.assertEqual(done.returncode, 1)
+        self.assertEqual(done.stderr.count(b"\n"), 1)
+        self.assertIn(b"'/dev/full': No space left on device", done.stderr)
+        self.assertTrue(done.stdout.endswith(UNKNOWN + PROMPT))
+
+    def test_failing_engine_has_no_effect(self):
+        line = b"l3 5 = 10.1.2.0 18 10.1.2.1 lan 0 0"
+        done = run([BOARD, "--fault", "fail:l3"], line + b"\n" + b"l3 6\n")
+        self.assertEqual(done.returncode, 0)
+        # A read without effect leaves in the registers what was stored there for another slot.
+        self.assertIn(b"INDEX:  6\tVALID\n\rIP: 10.1.2.0        MASK: 18", done.stdout)
+
+    def test_complaints_come_once_each(self):
+        done = run([BOARD], b"reg 1f00\nreg 1f01\nreg 1f00\n")
+        self.assertEqual(done.returncode, 0)
+        lines = done.stderr.decode().splitlines()
+        self.assertEqual(len(lines), 2)
+        self.assertIn("no register at 1f00", lines[0])
+        self.assertIn("no register at 1f01", lines[1])
+
+
+if __name__ == "__main__":
+    support.main()

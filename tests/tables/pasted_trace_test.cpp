@@ -1,0 +1,26 @@
+#include <gtest/gtest.h>
+
+#include "support/scripted_bus.h"
+#include "tables/l3_route.h"
+
+namespace monitor {
+namespace {
+
+TEST(PastedTrace, IsATranscriptWithTheRegisterNamesAsCommentary) {
+  ScriptedBus bus(R"(
+w8 060e 05  L3_INDEX
+r8 060d 03  L3_COMMAND counter=0 write=0 start=0 write_ready=1 read_ready=1
+r8 060d 03  L3_COMMAND counter=0 write=0 start=0 write_ready=1 read_ready=1
+w8 060d 16  L3_COMMAND counter=1 write=0 start=1 write_ready=1 read_ready=0
+r8 060d 16  L3_COMMAND counter=1 write=0 start=1 write_ready=1 read_ready=0
+w8 060d 12  L3_COMMAND counter=1 write=0 start=0 write_ready=1 read_ready=0
+r8 060d 13  L3_COMMAND counter=1 write=0 start=0 write_ready=1 read_ready=1
+r32 0610 000000ff  L3_COUNTER
+)");
+  std::uint32_t value = 0;
+  EXPECT_EQ(L3ReadCounter(5, value), DriverStatus::kOk);
+  EXPECT_EQ(value, 0xFFU);
+}
+
+}  // namespace
+}  // namespace monitor
