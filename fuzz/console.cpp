@@ -3,37 +3,19 @@
 // An input begins with a byte that gives the number of faults, two bytes for each of them (the
 // engine and what is wrong with it), and goes on with what is typed.
 #include <csetjmp>
-#include <cstddef>
-#include <cstdint>
 #include <memory>
-#include <span>
 
-#include "chip/router_chip.h"
 #include "core/console_port.h"
+#include "fuzz/input.h"
 #include "mac/packet_service.h"
 #include "shell/shell.h"
 
 namespace {
 
-std::span<const std::uint8_t> g_typed;
+constexpr std::uint8_t kMostFaults = 3;
+
+fuzz::Input g_typed;
 std::jmp_buf g_end_of_input;
-
-std::uint8_t Take() {
-  if (g_typed.empty()) return 0;
-  const std::uint8_t byte = g_typed.front();
-  g_typed = g_typed.subspan(1);
-  return byte;
-}
-
-void SetFaults(chip::RouterChip& chip) {
-  constexpr std::uint8_t kMostFaults = 3;
-  const auto engines = chip.Engines();
-  for (unsigned faults = Take() % (kMostFaults + 1); faults != 0; --faults) {
-    chip::Engine* const engine = engines[Take() % engines.size()];
-    const std::uint8_t kind = Take();
-    engine->SetFault({.kind = static_cast<chip::Fault::Kind>(kind % 5), .loads = kind / 5U + 1});
-  }
-}
 
 }  // namespace
 
@@ -41,8 +23,8 @@ namespace monitor {
 
 int ConsoleReadChar() {
   // The monitor's frames hold nothing that has to be destroyed.
-  if (g_typed.empty()) std::longjmp(g_end_of_input, 1);  // NOLINT
-  return Take();
+  if (g_typed.Empty()) std::longjmp(g_end_of_input, 1);  // NOLINT
+  return g_typed.Byte();
 }
 void ConsoleSend(const char* /*text*/, std::size_t /*count*/) {}
 void ConsoleFlush() {}
@@ -52,10 +34,12 @@ bool ConsoleInterrupted() { return true; }
 }  // namespace monitor
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  g_typed = {data, size};
+  g_typed = fuzz::Input(data, size);
   const auto chip = std::make_unique<chip::RouterChip>();
   chip::Attach(*chip);
-  SetFaults(*chip);
+  for (unsigned faults = g_typed.Byte() % (kMostFaults + 1); faults != 0; --faults) {
+    fuzz::SetFault(*chip, g_typed);
+  }
   monitor::ReceiveMode = 0;
   monitor::ArpAutoReply = 0;
   if (setjmp(g_end_of_input) == 0) monitor::RunShell();  // NOLINT

@@ -1,0 +1,80 @@
+// Any bytes as a capture file. What comes out of it fits the chip's buffers, and comes out of the
+// captures that the board writes as it was.
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cstdlib>
+
+#include "board/message.h"
+#include "board/ports/capture_file.h"
+#include "board/ports/descriptor.h"
+#include "board/ports/port.h"
+
+namespace board {
+
+void Report(const std::string& /*text*/) {}
+
+}  // namespace board
+
+namespace {
+
+constexpr std::size_t kLongestFrame = 2016;
+
+/// A file that has a path and no place on a disk.
+class MemoryFile {
+ public:
+  MemoryFile() : fd_(memfd_create("capture", MFD_CLOEXEC)) {}
+
+  void Fill(const std::uint8_t* data, std::size_t size) {
+    if (write(fd_.Get(), data, size) != static_cast<ssize_t>(size)) std::abort();
+  }
+
+  [[nodiscard]] std::string Path() const { return "/proc/self/fd/" + std::to_string(fd_.Get()); }
+
+ private:
+  board::Descriptor fd_;
+};
+
+std::unique_ptr<board::Port> Open(const std::string& files, bool realtime = false) {
+  return board::OpenCapturePort(files, {.realtime = realtime});
+}
+
+std::vector<board::Frame> ReadAll(board::Port& port) {
+  std::vector<board::Frame> frames;
+  while (auto frame = port.Receive()) frames.push_back(*std::move(frame));
+  return frames;
+}
+
+void Check(bool holds) {
+  if (!holds) std::abort();
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  MemoryFile in;
+  in.Fill(data, size);
+  const MemoryFile out;
+  const MemoryFile record;
+  std::vector<board::Frame> frames;
+  try {
+    (void)ReadAll(*Open(in.Path(), true));
+    const auto port = Open(in.Path() + "," + out.Path());
+    board::CaptureFile capture(record.Path(), {"wan"});
+    frames = ReadAll(*port);
+    for (const board::Frame& frame : frames) {
+      Check(frame.size() <= kLongestFrame);
+      port->Send(frame);
+      capture.Record(0, board::Direction::kInbound, frame);
+    }
+    port->Flush();
+    Check(!port->Pending());
+  } catch (const board::PortError&) {
+    return 0;
+  }
+  for (const MemoryFile* copy : {&out, &record}) {
+    const auto port = Open(copy->Path());
+    Check(ReadAll(*port) == frames && !port->Failed());
+  }
+  return 0;
+}

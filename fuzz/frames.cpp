@@ -1,0 +1,120 @@
+// Frames from outside into the packet service, on a model with any faults.
+//
+// An input is a row of steps; each begins with a byte that says what happens and goes on with its
+// operands. Without faults, whatever came in, every receive buffer is free again in the end.
+#include <cstdlib>
+#include <memory>
+#include <vector>
+
+#include "core/console_port.h"
+#include "fuzz/input.h"
+#include "mac/packet_service.h"
+#include "mac/port_config_registers.h"
+#include "mac/station_address.h"
+
+namespace monitor {
+
+int ConsoleReadChar() { return -1; }
+void ConsoleSend(const char* /*text*/, std::size_t /*count*/) {}
+void ConsoleFlush() {}
+void ConsoleWait(long /*microseconds*/) {}
+bool ConsoleInterrupted() { return true; }
+
+}  // namespace monitor
+
+namespace {
+
+constexpr std::uint8_t kModes[] = {monitor::kReceiveManual, monitor::kReceiveAuto,
+                                   monitor::kReceiveForward};
+
+/// A little more than a buffer takes.
+constexpr std::size_t kMostBytes = 2064;
+
+class Story {
+ public:
+  explicit Story(fuzz::Input input) : input_(input) {
+    chip::Attach(*chip_);
+    monitor::ReceiveMode = monitor::kReceiveManual;
+    monitor::ArpAutoReply = 0;
+    BringUp();
+  }
+
+  void Run() {
+    while (!input_.Empty()) Step();
+    if (faulty_) return;
+    BringUp();
+    monitor::ReceiveMode = monitor::kReceiveAuto;
+    while (monitor::PacketService()) continue;
+    if (chip_->frames.FreeBuffers() != all_free_) std::abort();
+  }
+
+ private:
+  void Step() {
+    const std::uint8_t what = input_.Byte();
+    const auto port = static_cast<std::uint8_t>(what >> 3 & 3);
+    switch (what & 7) {
+      case 0:
+        return Settings();
+      case 1:
+        return Fault();
+      case 2:
+        return Link(port);
+      case 3:
+        (void)monitor::WriteIpAddr(port, input_.Half());
+        return;
+      case 4:
+        return Serve();
+      default:
+        return Arrive(port);
+    }
+  }
+
+  void BringUp() {
+    for (unsigned port = 0; port < chip::FrameEngine::kMacPorts; ++port) {
+      chip_->registers.Set(monitor::kMacControl[port], monitor::kMacLinkUp.Mask());
+    }
+    chip_->frames.SendQueued();
+  }
+
+  void Settings() {
+    const std::uint8_t settings = input_.Byte();
+    monitor::ReceiveMode = kModes[settings % 3];
+    monitor::ArpAutoReply = settings >> 7;
+  }
+
+  void Fault() {
+    fuzz::SetFault(*chip_, input_);
+    faulty_ = true;
+  }
+
+  void Link(unsigned port) {
+    if (port >= chip::FrameEngine::kMacPorts) return;
+    chip_->registers.Set(monitor::kMacControl[port], input_.Byte());
+    chip_->frames.SendQueued();
+  }
+
+  void Serve() {
+    for (unsigned passes = input_.Byte(); passes != 0; --passes) (void)monitor::PacketService();
+  }
+
+  /// A frame of any length; what the input does not fill is zero.
+  void Arrive(unsigned port) {
+    const std::size_t length = input_.Half() % (kMostBytes);
+    const auto head = input_.Bytes(input_.Byte());
+    std::vector<std::uint8_t> frame(head.begin(), head.end());
+    frame.resize(length);
+    (void)chip_->frames.Receive(port, frame);
+  }
+
+  fuzz::Input input_;
+  std::unique_ptr<chip::RouterChip> chip_ = std::make_unique<chip::RouterChip>();
+  std::size_t all_free_ = chip_->frames.FreeBuffers();
+  bool faulty_ = false;
+};
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  Story(fuzz::Input(data, size)).Run();
+  return 0;
+}
