@@ -75,7 +75,9 @@ class Memcheck(kernel_memory.KernelMemoryTest):
         alone = support.run(kernel_memory.inside(self.path, monitor), script)
         os.truncate(self.memory, kernel_memory.WINDOW)
         os.truncate(self.memory, kernel_memory.WINDOW + kernel_memory.WINDOW_SIZE)
-        checked = support.run(kernel_memory.inside(self.path, *VALGRIND, monitor), script)
+        checked = support.run(
+            kernel_memory.inside(self.path, *VALGRIND, monitor), script, timeout=50
+        )
         self.assertEqual(checked.stderr.decode(), "")
         self.assertEqual((checked.returncode, alone.returncode), (0, 0))
         self.assertEqual(checked.stdout, alone.stdout)
