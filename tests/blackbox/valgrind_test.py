@@ -90,7 +90,8 @@ class Memcheck(kernel_memory.KernelMemoryTest):
         self.assertIn(b"MCAST Write failed\n\r", shown)
 
     def test_longest_line_and_most_words(self):
-        self.run_both(b"x" * 300 + b"\n" + b"= " * 140 + b"\nreg 0 100 =" + b" 1" * 110 + b"\nexit\n")
+        most_words = b"= " * 140 + b"\nreg 0 100 =" + b" 1" * 110
+        self.run_both(b"x" * 300 + b"\n" + most_words + b"\nexit\n")
 
 
 if __name__ == "__main__":
