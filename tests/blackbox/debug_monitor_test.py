@@ -2,6 +2,7 @@
 
 import fcntl
 import os
+import re
 import signal
 import subprocess
 import time
@@ -21,6 +22,24 @@ class StartUp(kernel_memory.KernelMemoryTest):
         self.assertEqual(done.stdout, MAPPED + START + b"exit\r\n")
         self.assertEqual(done.stderr, b"")
         self.assertEqual(done.returncode, 0)
+
+    def test_device_is_opened_and_mapped_for_the_whole_run(self):
+        # pylint: disable=consider-using-with
+        monitor = subprocess.Popen(self.command(), stdin=subprocess.PIPE, stdout=subprocess.PIPE)
+        self.addCleanup(support.end, monitor)
+        support.Screen(self, monitor.stdout.fileno()).shows(MAPPED + START)
+
+        proc = f"/proc/{monitor.pid}"
+        opened = [f"{proc}/fd/{fd}" for fd in os.listdir(f"{proc}/fd")]
+        devices = [os.path.basename(fd) for fd in opened if os.path.samefile(fd, self.path)]
+        self.assertEqual(len(devices), 1)
+        with open(f"{proc}/fdinfo/{devices[0]}", encoding="ascii") as info:
+            flags = int(re.search(r"^flags:\s*0(\d+)", info.read(), re.MULTILINE)[1], 8)
+        wanted = os.O_RDWR | os.O_NONBLOCK | os.O_DSYNC
+        self.assertEqual(flags & (wanted | os.O_ACCMODE | os.O_SYNC | os.O_APPEND), wanted)
+        with open(f"{proc}/maps", encoding="ascii") as maps:
+            mapped = [line.split()[:3] for line in maps if line.rstrip().endswith("/kmem")]
+        self.assertEqual(mapped, [["50000000-50002000", "rw-s", f"{kernel_memory.WINDOW:08x}"]])
 
     def test_exit_in_capitals(self):
         done = support.run(self.command(), b"EXIT\n")

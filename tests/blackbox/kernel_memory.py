@@ -14,7 +14,10 @@ WINDOW = int(os.environ.get("DEBUG_MONITOR_WINDOW", "0x40000000"), 0)
 WINDOW_SIZE = 0x2000
 
 # Arguments: what the device is, a path or nothing; the program and its arguments.
-ENTER = 'mount -t tmpfs none /dev && if [ "$1" ]; then ln -s "$1" /dev/kmem; fi; shift; exec "$@"'
+ENTER = (
+    'mount -t tmpfs none /dev && if [ -n "$1" ]; then ln -s "$1" /dev/kmem; fi'
+    ' && shift && exec "$@"'
+)
 
 
 def inside(device, *program):

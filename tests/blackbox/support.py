@@ -52,7 +52,7 @@ def run(arguments, text=b"", **options):
         input=text,
         stdout=options.pop("stdout", subprocess.PIPE),
         stderr=subprocess.PIPE,
-        timeout=DEADLINE,
+        timeout=options.pop("timeout", DEADLINE),
         check=False,
         preexec_fn=die_quietly,
         **options,

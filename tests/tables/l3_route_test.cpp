@@ -473,6 +473,116 @@ TEST(L3Route, AWriteReadsBackAndAnInvalidAnswerShowsTheTypedPort) {
             "\n\r");
 }
 
+TEST(L3Route, OfADeletedRangeOnlyRoutesThatStayValidAreShown) {
+  ScriptedBus bus(R"(
+    w8  060e 05        # slot 5: the delete
+    r8  060d 03
+    r8  060d 40
+    w8  060d 44
+    r8  060d 44
+    w8  060d 40
+    r8  060d 03
+    lock
+    w8  060e 05
+    r8  060c b2
+    w8  060c a2
+    r8  060d 03
+    r8  060d 40
+    w8  060d 4c
+    r8  060d 4c
+    w8  060d 48
+    unlock
+    r8  060d 03
+    w8  060e 05        # what it has become: valid, all the same
+    r8  060d 03
+    r8  060d 40
+    w8  060d 44
+    r8  060d 44
+    w8  060d 40
+    r8  060d 03
+    r32 0600 0a010200
+    r32 0608 0a010201
+    r8  0604 18
+    r8  060c d2
+    r8  0605 ad
+    w8  060e 06        # slot 6: the delete
+    r8  060d 03
+    r8  060d 40
+    w8  060d 44
+    r8  060d 44
+    w8  060d 40
+    r8  060d 03
+    lock
+    w8  060e 06
+    r8  060c b2
+    w8  060c a2
+    r8  060d 03
+    r8  060d 40
+    w8  060d 4c
+    r8  060d 4c
+    w8  060d 48
+    unlock
+    r8  060d 03
+    w8  060e 06        # what it has become: invalid
+    r8  060d 03
+    r8  060d 40
+    w8  060d 44
+    r8  060d 44
+    w8  060d 40
+    r8  060d 03
+    r32 0600 0a010200
+    r32 0608 0a010201
+    r8  0604 18
+    r8  060c a2
+    r8  0605 ad
+  )");
+  const Outcome outcome = RunLine("l3 d 5 2");
+  EXPECT_EQ(outcome.result, kDone);
+  EXPECT_EQ(outcome.output,
+            "INDEX:  5\tVALID\n\r"
+            "IP: 10.1.2.0        MASK: 18 NEXT HOP: 10.1.2.1       \n\r"
+            "PORT: LAN \tPPPOE \tSESSION ID:  2\tDIRECT: FALSE \tWANMAC: TRUE\n\r"
+            "\n\r");
+}
+
+TEST(L3Route, AnOverflowBitThatStaysSetIsTrueWithALineEnd) {
+  ScriptedBus bus(R"(
+    lock
+    w8  0614 00
+    w8  0615 00
+    w8  0616 00
+    w8  0617 00
+    w8  0618 00
+    w8  0619 02        # slot 11 in hexadecimal, 17 in decimal
+    w8  061a 00
+    w8  061b 00
+    r8  060d 03
+    r8  060d 40
+    w8  060d 4c
+    r8  060d 4c
+    w8  060d 48
+    unlock
+    r8  060d 02
+    r8  060d 03
+    r8  060d 40
+    w8  060d 44
+    r8  060d 44
+    w8  060d 40
+    r8  060d 01
+    r8  0614 ff
+    r8  0615 ff
+    r8  0616 ff
+    r8  0617 ff
+    r8  0618 ff
+    r8  0619 02
+    r8  061a ff
+    r8  061b ff
+  )");
+  const Outcome outcome = RunLine("l3 o 11 =");
+  EXPECT_EQ(outcome.result, kDone);
+  EXPECT_EQ(outcome.output, "INDEX 17:TRUE\n\r");
+}
+
 TEST(L3Route, EveryFormHasItsTextWhenTheEngineIsBusyForItsSecondStep) {
   struct Case {
     const char* line;
