@@ -6,7 +6,6 @@
 #include <array>
 #include <cstdint>
 #include <cstring>
-#include <functional>
 #include <initializer_list>
 #include <tuple>
 #include <type_traits>
@@ -57,8 +56,7 @@ T Junk() {
 
 /// How an exploration is limited or prepared.
 struct Limits {
-  unsigned parts = kAllParts;         ///< Parts that may answer otherwise than on the first path.
-  std::function<void()> before = {};  ///< Called before each path.
+  unsigned parts = kAllParts;  ///< Parts that may answer otherwise than on the first path.
 };
 
 /// Runs the model and the driver on every path, each with its own copies of the arguments. Their
@@ -68,7 +66,6 @@ void Explore(const Limits& limits, Result (*model)(Parameters...), Result (*driv
              const Arguments&... arguments) {
   BeginExploration(limits.parts);
   do {
-    if (limits.before) limits.before();
     std::tuple<std::remove_cvref_t<Parameters>...> wanted(arguments...);
     std::tuple<std::remove_cvref_t<Parameters>...> got(arguments...);
     BeginPath();

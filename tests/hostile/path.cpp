@@ -43,6 +43,7 @@ unsigned g_done = 0;     ///< and how often it has happened.
 
 std::vector<Choice> g_choices;
 std::size_t g_choice = 0;  ///< Next choice of the model.
+bool g_quiet = false;      ///< Choices are not made.
 unsigned g_parts = kAllParts;
 unsigned g_parts_left = 0;
 bool g_part_used = false;  ///< This part has answered otherwise than on the first path.
@@ -130,10 +131,15 @@ std::uint32_t Random() {
   return static_cast<std::uint32_t>(mixed >> 32);
 }
 
+void Quiet(bool quiet) { g_quiet = quiet; }
+
 unsigned Choose(unsigned n) {
-  if (g_choice == g_choices.size()) {
-    const bool fixed = g_parts_left == 0 && !g_part_used;
-    g_choices.push_back({0, fixed ? 1 : n});
+  if (g_quiet) return 0;
+  if (g_parts_left == 0 && !g_part_used) n = 1;
+  if (g_choice == g_choices.size()) g_choices.push_back({0, n});
+  if (g_choices[g_choice].of != n) {
+    std::fputs("a model branches on junk: its next path would not be this one\n", stderr);
+    std::abort();
   }
   const unsigned taken = g_choices[g_choice++].taken;
   if (taken != 0 && !g_part_used) {
@@ -169,6 +175,14 @@ std::uint8_t M8(std::uint32_t address) {
 }
 std::uint16_t M16(std::uint32_t address) {
   return M16Is(address, static_cast<std::uint16_t>(Random()));
+}
+std::uint8_t R8Is(std::uint32_t offset, std::uint8_t value) {
+  Add(Kind::kLoad8, offset, value);
+  return value;
+}
+std::uint16_t R16Is(std::uint32_t offset, std::uint16_t value) {
+  Add(Kind::kLoad16, offset, value);
+  return value;
 }
 std::uint8_t M8Is(std::uint32_t address, std::uint8_t value) {
   Add(Kind::kMemoryLoad8, address, value);

@@ -32,7 +32,9 @@ std::uint16_t M16(std::uint32_t address);
 void MW8(std::uint32_t address, std::uint32_t value);
 void MW16(std::uint32_t address, std::uint32_t value);
 
-/// A load that answers `value`.
+// A load that answers `value`.
+std::uint8_t R8Is(std::uint32_t offset, std::uint8_t value);
+std::uint16_t R16Is(std::uint32_t offset, std::uint16_t value);
 std::uint8_t M8Is(std::uint32_t address, std::uint8_t value);
 std::uint16_t M16Is(std::uint32_t address, std::uint16_t value);
 
@@ -63,6 +65,9 @@ bool Await16Twice(std::uint32_t offset, std::uint16_t done, unsigned looks);
 
 /// One of 0 to n - 1, all of them on different paths, 0 on the first.
 unsigned Choose(unsigned n);
+
+/// Whether Choose is 0 for a while, for what leads to the operation in question.
+void Quiet(bool quiet);
 
 /// Begins a part of a long operation: the number of parts that answer otherwise than on the first
 /// path is limited.

@@ -1,6 +1,6 @@
 // Reset, version, timers, chip selects, SDRAM, UART, GPIO, MII, TDM, interrupt controller.
 #include "hostile/explore.h"
-#include "hostile/steps.h"
+#include "hostile/models.h"
 #include "system/interrupt.h"
 #include "system/mii.h"
 #include "system/reset.h"
@@ -384,22 +384,12 @@ TEST(Hostile, TdmEnable) {
   for (const uint8_t on : Bytes{0, 1, 2, 255}) Explore(TdmEnable, monitor::TdmEnable, on);
 }
 
-DriverStatus IntStatusRead(uint16_t& value) {
-  value = R16Halves(0x210);
-  return kOk;
-}
 DriverStatus IntGroupRead(uint16_t& value) {
   value = R16Halves(0x212);
   return kOk;
 }
 DriverStatus IntMaskRead(uint16_t& value) {
   value = R16Halves(0x214);
-  return kOk;
-}
-DriverStatus IntStatusWrite(uint16_t value) {
-  Lock();
-  W16(0x210, value);
-  Unlock();
   return kOk;
 }
 DriverStatus IntGroupWrite(uint16_t value) {
@@ -411,6 +401,21 @@ DriverStatus IntMaskWrite(uint16_t value) {
   return kOk;
 }
 
+}  // namespace
+
+// Models of the MAC ports and of frames use these.
+
+DriverStatus IntStatusRead(uint16_t& value) {
+  value = R16Halves(0x210);
+  return kOk;
+}
+DriverStatus IntStatusWrite(uint16_t value) {
+  Lock();
+  W16(0x210, value);
+  Unlock();
+  return kOk;
+}
+
 TEST(Hostile, IntStatusRead) { Explore(IntStatusRead, monitor::IntStatusRead, Junk<uint16_t>()); }
 TEST(Hostile, IntGroupRead) { Explore(IntGroupRead, monitor::IntGroupRead, Junk<uint16_t>()); }
 TEST(Hostile, IntMaskRead) { Explore(IntMaskRead, monitor::IntMaskRead, Junk<uint16_t>()); }
@@ -419,10 +424,6 @@ TEST(Hostile, IntStatusWrite) {
 }
 TEST(Hostile, IntGroupWrite) { Explore(IntGroupWrite, monitor::IntGroupWrite, Junk<uint16_t>()); }
 TEST(Hostile, IntMaskWrite) { Explore(IntMaskWrite, monitor::IntMaskWrite, Junk<uint16_t>()); }
-
-}  // namespace
-
-// MAC ports use these two as well.
 
 DriverStatus MiiRead(uint8_t phy, uint8_t reg, uint16_t& value) {
   if (phy > 31 || reg > 31) return kRefused;
