@@ -320,7 +320,7 @@ TEST(Hostile, PacketService) {
       g_uses = {1, 2};  // The first path finds a free buffer,
       g_base_changes = false;
       g_lengths = 2;
-      Explore({.parts = 2}, Serve, DriverServe, mode, arp, 3U);
+      Explore({.parts = arp == 1 ? 2U : 1U}, Serve, DriverServe, mode, arp, 3U);
       g_uses = {2, 1};  // or none.
       g_base_changes = true;
       g_lengths = 5;

@@ -51,7 +51,9 @@ bool g_part_used = false;  ///< This part has answered otherwise than on the fir
 std::uint64_t g_junk = 0;
 unsigned g_astray = 0;  ///< Events since the driver left the path.
 std::string g_trouble;
-Totals g_totals;
+
+unsigned long long g_paths = 0;  ///< Paths and accesses compared, of all tests.
+unsigned long long g_accesses = 0;
 
 constexpr const char* kNames[] = {"r8",  "r16",  "r32", "w8",   "w16",    "w32",   "mr8", "mr16",
                                   "mw8", "mw16", "map", "lock", "unlock", "flush", "look"};
@@ -104,14 +106,15 @@ std::uint32_t Load(Kind kind, std::uint32_t address, std::uint32_t width, std::u
   return answer;
 }
 
-std::uint32_t Comparison(Kind kind, std::uint32_t offset, std::uint32_t value,
-                         std::uint32_t width) {
+/// True for an answer that is `value`.
+bool Compare(Kind kind, std::uint32_t offset, std::uint32_t value, unsigned width,
+             bool first_equal) {
   const unsigned choice = Choose(3);
-  std::uint32_t answer = value;
-  if (choice == 0) answer = value ^ ((Random() | 0x100) & width);
-  if (choice == 2) answer = value ^ (1U << Random() % (width == 0xFFFF ? 16 : 32));
-  Add(kind, offset, answer);
-  return answer;
+  std::uint32_t difference = 1U << Random() % width;
+  if (choice == 0) difference = first_equal ? 0 : difference | (Random() >> (32 - width));
+  if (choice == 1) difference = first_equal ? difference | (Random() >> (32 - width)) : 0;
+  Add(kind, offset, value ^ difference);
+  return difference == 0;
 }
 
 /// True while the path is as the first one; waits end late or never only there.
@@ -199,11 +202,11 @@ void MW16(std::uint32_t address, std::uint32_t value) {
   Add(Kind::kMemoryStore16, address, value & 0xFFFF);
 }
 
-bool Equals16(std::uint32_t offset, std::uint16_t value) {
-  return Comparison(Kind::kLoad16, offset, value, 0xFFFF) == value;
+bool Equals16(std::uint32_t offset, std::uint16_t value, bool first_equal) {
+  return Compare(Kind::kLoad16, offset, value, 16, first_equal);
 }
-bool Equals32(std::uint32_t offset, std::uint32_t value) {
-  return Comparison(Kind::kLoad32, offset, value, ~0U) == value;
+bool Equals32(std::uint32_t offset, std::uint32_t value, bool first_equal) {
+  return Compare(Kind::kLoad32, offset, value, 32, first_equal);
 }
 
 void Lock() { Add(Kind::kLock, 0, 0); }
@@ -266,7 +269,7 @@ bool Await16Twice(std::uint32_t offset, std::uint16_t done, unsigned looks) {
 }
 
 std::uint32_t Happen(Kind kind, std::uint32_t address, std::uint32_t value) {
-  ++g_totals.accesses;
+  ++g_accesses;
   if (g_astray != 0) {
     if (++g_astray == kHopeless) {
       std::fprintf(stderr, "a driver goes on without an end after it left the path\n%s\n",
@@ -312,7 +315,7 @@ void BeginPath() {
 }
 
 std::string EndPath() {
-  ++g_totals.paths;
+  ++g_paths;
   if (g_astray == 0 && g_next != g_events.size()) GoAstray("nothing more");
   return g_trouble;
 }
@@ -332,6 +335,19 @@ std::string Choices() {
   return text;
 }
 
-Totals TotalsSoFar() { return g_totals; }
+namespace {
 
+/// Says at the end what was compared.
+class Report : public testing::Environment {
+ public:
+  void TearDown() override {
+    std::printf("compared: %d operations, %llu paths, %llu accesses\n",
+                testing::UnitTest::GetInstance()->test_to_run_count(), g_paths, g_accesses);
+  }
+};
+
+[[maybe_unused]] const testing::Environment* const kReport =
+    testing::AddGlobalTestEnvironment(new Report);
+
+}  // namespace
 }  // namespace hostile

@@ -38,10 +38,10 @@ std::uint16_t R16Is(std::uint32_t offset, std::uint16_t value);
 std::uint8_t M8Is(std::uint32_t address, std::uint8_t value);
 std::uint16_t M16Is(std::uint32_t address, std::uint16_t value);
 
-// A load of a word that is compared with `value`: differs on the first path, then is equal, then
-// differs in one bit.
-bool Equals16(std::uint32_t offset, std::uint16_t value);
-bool Equals32(std::uint32_t offset, std::uint32_t value);
+// A load of a word that is compared with `value`: equal to it, different, and different in one
+// bit; the first path has `first_equal`.
+bool Equals16(std::uint32_t offset, std::uint16_t value, bool first_equal);
+bool Equals32(std::uint32_t offset, std::uint32_t value, bool first_equal);
 
 void Lock();
 void Unlock();
@@ -94,12 +94,5 @@ void BeginPath();
 
 /// The choices of the path, for messages.
 [[nodiscard]] std::string Choices();
-
-/// Paths and accesses compared so far.
-struct Totals {
-  std::uint64_t paths = 0;
-  std::uint64_t accesses = 0;
-};
-[[nodiscard]] Totals TotalsSoFar();
 
 }  // namespace hostile
