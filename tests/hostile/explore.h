@@ -54,7 +54,7 @@ T Junk() {
   return value;
 }
 
-/// How an exploration is limited or prepared.
+/// How an exploration is limited.
 struct Limits {
   unsigned parts = kAllParts;  ///< Parts that may answer otherwise than on the first path.
 };
@@ -64,6 +64,7 @@ struct Limits {
 template <typename Result, typename... Parameters, typename... Arguments>
 void Explore(const Limits& limits, Result (*model)(Parameters...), Result (*driver)(Parameters...),
              const Arguments&... arguments) {
+  if (testing::Test::HasFailure()) return;  // One difference tells more than hundreds.
   BeginExploration(limits.parts);
   do {
     std::tuple<std::remove_cvref_t<Parameters>...> wanted(arguments...);
@@ -72,7 +73,8 @@ void Explore(const Limits& limits, Result (*model)(Parameters...), Result (*driv
     const Result wanted_result = std::apply(model, wanted);
     const Result result = std::apply(driver, got);
     const std::string trouble = EndPath();
-    ASSERT_EQ(trouble, "") << "the driver leaves the path, choices " << Choices();
+    ASSERT_TRUE(trouble.empty()) << "the driver leaves the path " << trouble << "choices "
+                                 << Choices();
     ASSERT_EQ(static_cast<int>(result), static_cast<int>(wanted_result)) << "choices " << Choices();
     ASSERT_EQ(AllNumbers(got), AllNumbers(wanted)) << "choices " << Choices();
   } while (NextPath());

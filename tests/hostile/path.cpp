@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <iomanip>
 #include <sstream>
 #include <utility>
 #include <vector>
@@ -55,25 +56,46 @@ std::string g_trouble;
 unsigned long long g_paths = 0;  ///< Paths and accesses compared, of all tests.
 unsigned long long g_accesses = 0;
 
-constexpr const char* kNames[] = {"r8",  "r16",  "r32", "w8",   "w16",    "w32",   "mr8", "mr16",
-                                  "mw8", "mw16", "map", "lock", "unlock", "flush", "look"};
+/// A kind of event in transcripts: its name, and the digits of its value.
+struct Notation {
+  const char* name;
+  int digits;
+};
 
-std::string Describe(const Event& event) {
+constexpr Notation kNotations[] = {{"r8", 2},     {"r16", 4},   {"r32", 8}, {"w8", 2},
+                                   {"w16", 4},    {"w32", 8},   {"mr8", 2}, {"mr16", 4},
+                                   {"mw8", 2},    {"mw16", 4},  {"map", 1}, {"lock", 0},
+                                   {"unlock", 0}, {"flush", 0}, {"look", 1}};
+
+/// True for what the chip or the operator answers.
+bool Answers(Kind kind) {
+  return kind <= Kind::kLoad32 || kind == Kind::kMemoryLoad8 || kind == Kind::kMemoryLoad16 ||
+         kind == Kind::kMap || kind == Kind::kLook;
+}
+
+std::string Describe(const Event& event, bool with_value) {
+  const Notation& notation = kNotations[static_cast<unsigned>(event.kind)];
   std::ostringstream text;
-  text << kNames[static_cast<unsigned>(event.kind)] << std::hex << ' ' << event.address << ' '
-       << event.value;
+  text << notation.name;
+  if (event.kind == Kind::kUnlock && event.value != 0) text << " with another lock's state";
+  if (notation.digits == 0) return text.str();
+  text << std::hex << std::setfill('0') << ' ' << std::setw(4) << event.address;
+  if (with_value) text << ' ' << std::setw(notation.digits) << event.value;
   if (event.times != 1) text << std::dec << " x" << event.times;
   return text.str();
+}
+
+std::string Scripted(std::size_t index) {
+  return index < g_events.size() ? Describe(g_events[index], true) : "nothing more";
 }
 
 void GoAstray(const std::string& got) {
   std::ostringstream text;
   text << "at event " << g_next + 1 << "\n";
   for (std::size_t i = g_next < 4 ? 0 : g_next - 4; i < g_next; ++i) {
-    text << "           " << Describe(g_events[i]) << "\n";
+    text << "           " << Scripted(i) << "\n";
   }
-  text << "    wanted " << (g_next < g_events.size() ? Describe(g_events[g_next]) : "nothing more")
-       << "\n    got    " << got << "\n";
+  text << "    wanted " << Scripted(g_next) << "\n    got    " << got << "\n";
   g_trouble = text.str();
   g_astray = 1;
 }
@@ -278,13 +300,11 @@ std::uint32_t Happen(Kind kind, std::uint32_t address, std::uint32_t value) {
     }
     return Random();
   }
-  const bool answers = kind <= Kind::kLoad32 || kind == Kind::kMemoryLoad8 ||
-                       kind == Kind::kMemoryLoad16 || kind == Kind::kMap || kind == Kind::kLook;
   const bool match = g_next < g_events.size() && g_events[g_next].kind == kind &&
                      g_events[g_next].address == address &&
-                     (answers || g_events[g_next].value == value);
+                     (Answers(kind) || g_events[g_next].value == value);
   if (!match) {
-    GoAstray(Describe({kind, address, value, 1}));
+    GoAstray(Describe({kind, address, value, 1}, !Answers(kind)));
     return Random();
   }
   const Event& event = g_events[g_next];
