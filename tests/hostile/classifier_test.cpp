@@ -173,9 +173,9 @@ void StoreRule(const ClsRule& rule) {
   }
   if (has(0x4000)) {
     flags3 |= 0x04;
-    control |= rule.dds << 10 & 0xFC00U;
+    control |= rule.dds * 0x400U & 0xFC00U;
   }
-  if (has(0x8000)) control |= 0x100000U | (rule.dtag << 21 & 0xE00000U);
+  if (has(0x8000)) control |= 0x100000U | (rule.dtag * 0x200000U & 0xE00000U);
   if (has(0x0400)) flags1 |= 0x40U | (rule.syn != 0 ? 0x20U : 0U);
   if (has(0x0800)) flags1 |= 0x10U | (rule.fin != 0 ? 0x08U : 0U);
   if (has(0x0200)) {
@@ -184,7 +184,7 @@ void StoreRule(const ClsRule& rule) {
   }
   if (has(0x1000)) {
     flags1 |= 0x80;
-    flags3 |= rule.dclass << 3 & 0x18U;
+    flags3 |= rule.dclass * 8U & 0x18U;
   }
   if (has(0x2000)) flags2 |= 0x80U | (rule.dropHigh != 0 ? 0x40U : 0U);
   if (rule.filter != 0) control |= 0x40000;
@@ -223,7 +223,7 @@ void StoreRule(const ClsRule& rule) {
   }
   if (rule.rstValid != 0) {
     valid |= 0x20;
-    flags3 |= rule.rst << 5 & 0x20U;
+    flags3 |= rule.rst * 32U & 0x20U;
   }
   W8(0x755, valid);
   W8(0x754, flags3);

@@ -47,7 +47,7 @@ DriverStatus TransmitFrame(uint8_t port, uint8_t service_class, bool high, uint3
   if (!Map(base)) return kNotReady;
   Lock();
   MW16(data - 32, length);
-  W8(0x42A, port | service_class << 4U | (high ? 0x40U : 0U));
+  W8(0x42A, port | service_class * 16U | (high ? 0x40U : 0U));
   W8(0x429, Handle(data, base));
   Set(0x42B, 0x01);
   Delay(0x42B, 99);

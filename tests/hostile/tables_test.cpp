@@ -59,7 +59,7 @@ DriverStatus L3Write(unsigned index, const L3Route& route) {
     return kRefused;
   }
   W8(0x60C, port | (route.direct != 0 ? 0x20U : 0U) | (route.wanMac != 0 ? 0x50U : 0x10U));
-  W8(0x605, route.pppoe | route.session << 1);
+  W8(0x605, route.pppoe | route.session * 2U);
   return StepUnlocking(0x60D, 0x0C, 0xED, 0x02);
 }
 
