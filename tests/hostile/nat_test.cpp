@@ -234,10 +234,11 @@ void ExploreNat(Operation model, Operation driver) {
   for (const uint8_t home : Bytes{0x00, 0x25, 0x5A, 0x7F}) {
     NatEntry entry = AnyEntry(Junk<uint8_t>());
     entry.dport = static_cast<uint16_t>((entry.dport & 0xFF80) | ((entry.dip ^ home) & 0x7F));
-    g_match_at = kProbes;
-    Explore({.parts = 1}, model, driver, NatTable::kMain, NatAccess::kByHash, entry);
     g_match_at = home == 0x00 ? 0 : home / 4;
     Explore({.parts = 1}, model, driver, NatTable::kServer, NatAccess::kByHash, entry);
+    if (home != 0x25) continue;
+    g_match_at = kProbes;
+    Explore({.parts = 1}, model, driver, NatTable::kMain, NatAccess::kByHash, entry);
   }
 }
 
