@@ -1,67 +1,18 @@
 #include "board/register_names.h"
 
-#include <charconv>
-#include <span>
-
-#include "classifier/classifier_registers.h"
-#include "core/filter_registers.h"
-#include "mac/forward_control_registers.h"
-#include "mac/frame_registers.h"
-#include "mac/port_config_registers.h"
-#include "mac/stat_counters_registers.h"
-#include "mac/station_address_registers.h"
-#include "qos/pdr_registers.h"
-#include "qos/pppoe_session_registers.h"
-#include "qos/pxt_registers.h"
-#include "qos/qos_registers.h"
-#include "qos/rate_control_registers.h"
-#include "system/chip_select_registers.h"
-#include "system/gpio_registers.h"
-#include "system/interrupt_registers.h"
-#include "system/mii_registers.h"
-#include "system/reset_registers.h"
-#include "system/tdm_registers.h"
-#include "system/timer_registers.h"
-#include "system/uart_registers.h"
-#include "tables/arp_registers.h"
-#include "tables/l3_route_registers.h"
-#include "tables/mcast_registers.h"
-#include "tables/nat_config_registers.h"
-#include "tables/nat_registers.h"
+#include "board/hex.h"
+#include "board/register_blocks.h"
 
 namespace board {
 namespace {
 
 using monitor::RegisterRow;
 
-/// Every block's registers; a new block adds its table.
-constexpr std::span<const RegisterRow> kTables[] = {
-    monitor::kFilterRegisters,      monitor::kResetRegisters,
-    monitor::kTimerRegisters,       monitor::kChipSelectRegisters,
-    monitor::kUartRegisters,        monitor::kGpioRegisters,
-    monitor::kMiiRegisters,         monitor::kInterruptRegisters,
-    monitor::kTdmRegisters,         monitor::kInterruptRegisters,
-    monitor::kPortConfigRegisters,  monitor::kStationAddressRegisters,
-    monitor::kFrameRegisters,       monitor::kForwardControlRegisters,
-    monitor::kStatCounterRegisters, monitor::kNatConfigRegisters,
-    monitor::kNatRegisters,         monitor::kRouteRegisters,
-    monitor::kMcastRegisters,       monitor::kArpRegisters,
-    monitor::kClsRegisters,         monitor::kQosRegisters,
-    monitor::kRateControlRegisters, monitor::kPstRegisters,
-    monitor::kPdrRegisters,         monitor::kPxtRegisters,
-};
-
-std::string Hex(std::uint32_t value) {
-  std::array<char, 8> text;
-  const auto result = std::to_chars(text.data(), text.data() + text.size(), value, 16);
-  return {text.data(), result.ptr};
-}
-
 }  // namespace
 
 RegisterNames::RegisterNames() {
-  for (const std::span<const RegisterRow> table : kTables) {
-    for (const RegisterRow& row : table) {
+  for (const RegisterBlock& block : RegisterBlocks()) {
+    for (const RegisterRow& row : block.rows) {
       for (unsigned i = 0; i < unsigned{row.width} * row.count; ++i) {
         rows_at_[row.offset + i].push_back(&row);
       }
