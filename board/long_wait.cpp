@@ -3,7 +3,7 @@
 #include <bit>
 
 #include "board/hex.h"
-#include "board/register_blocks.h"
+#include "board/registers/register_blocks.h"
 
 namespace board {
 namespace {

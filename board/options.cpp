@@ -11,6 +11,7 @@
 
 #include "board/faults.h"
 #include "board/nearest.h"
+#include "board/registers/export.h"
 #include "shell/line_editor.h"
 
 namespace board {
@@ -107,6 +108,9 @@ void Describe(CLI::App& app, Options& options) {
          "Levels of the general-purpose pins, 0 to ff")
       ->type_name("HEX")
       ->check(CheckArgument, "");
+  app.add_flag("--registers{text}", options.registers,
+               "Print the register map and exit: --registers, --registers=svd (CMSIS-SVD) or "
+               "--registers=json");
   app.add_flag("--keep-delete", options.keep_delete, "Do not turn Delete into backspace");
 }
 
@@ -129,6 +133,15 @@ void RefuseStrangers(const std::vector<std::string>& words, const CLI::App& app)
   }
   if (!unknown.empty()) throw UsageError(unknown);
   if (!words.empty()) throw UsageError("unexpected argument '" + words.front() + "'");
+}
+
+std::string RegisterMapIn(const std::string& format) {
+  std::string known;
+  for (const std::string& name : RegisterMapFormats()) {
+    if (name == format) return RegisterMap(format);
+    known.append(known.empty() ? "" : ", ").append(name);
+  }
+  throw UsageError("--registers: there is no format '" + format + "'; known are " + known);
 }
 
 /// Refuses options that contradict each other.
@@ -163,6 +176,7 @@ Options ParseOptions(int argc, const char* const* argv) {
   }
   RefuseStrangers(app.remaining(), app);
   CheckTogether(options);
+  if (options.registers) options.answer = RegisterMapIn(*options.registers);
   return options;
 }
 

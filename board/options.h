@@ -25,6 +25,7 @@ struct Options {
   std::optional<std::string> uart_file;   ///< What the UART sends goes there.
   std::uint8_t gpio_inputs = 0;           ///< Levels of the general-purpose pins.
   bool keep_delete = false;               ///< The Delete key is not a backspace.
+  std::optional<std::string> registers;   ///< Print the register map in this format.
   std::optional<std::string> answer;      ///< Text to print instead of a run.
 };
 

@@ -3,7 +3,7 @@
 #include <array>
 #include <string>
 
-#include "board/register_names.h"
+#include "board/registers/register_names.h"
 #include "board/signal_guard.h"
 #include "chip/router_chip.h"
 

@@ -1,7 +1,7 @@
-#include "board/register_names.h"
+#include "board/registers/register_names.h"
 
 #include "board/hex.h"
-#include "board/register_blocks.h"
+#include "board/registers/register_blocks.h"
 
 namespace board {
 namespace {

@@ -1,4 +1,4 @@
-#include "board/register_blocks.h"
+#include "board/registers/register_blocks.h"
 
 #include "classifier/classifier_registers.h"
 #include "core/filter_registers.h"
