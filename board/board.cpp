@@ -1,7 +1,9 @@
 #include "board/board.h"
 
+#include <sys/mman.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstdint>
@@ -10,6 +12,7 @@
 #include <system_error>
 
 #include "board/faults.h"
+#include "board/long_wait.h"
 #include "board/message.h"
 #include "device/console.h"
 #include "mac/packet_service.h"
@@ -26,6 +29,17 @@ void EndOfInput() {
   std::exit(g_board->Finish());
 }
 
+/// A file in memory that holds the lines.
+Descriptor MakeScript(const std::vector<std::string>& lines) {
+  std::string text;
+  for (const std::string& line : lines) text.append(line).append("\n");
+  Descriptor file(memfd_create("commands", MFD_CLOEXEC));
+  if (!file.Open() || pwrite(file.Get(), text.data(), text.size(), 0) != std::ssize(text)) {
+    throw std::system_error(errno, std::generic_category(), "cannot hold the commands");
+  }
+  return file;
+}
+
 void PollWorld() { g_board->PollWorld(); }
 
 std::uint64_t MonotonicNanoseconds() {
@@ -35,7 +49,7 @@ std::uint64_t MonotonicNanoseconds() {
 
 }  // namespace
 
-Board::Board(const Options& options) {
+Board::Board(const Options& options) : options_(options) {
   g_board = this;
   for (const std::string& fault : options.faults) SetFault(chip_, fault);
   chip_.registers.on_complaint = [](const std::string& text) {
@@ -48,6 +62,7 @@ Board::Board(const Options& options) {
   if (options.uart_file) OpenUart(*options.uart_file);
   if (options.pty_link) pseudo_terminal_.emplace(*options.pty_link);
   if (options.trace_file) OpenTrace(*options.trace_file);
+  if (!options.commands.empty()) script_ = MakeScript(options.commands);
   OpenConsole(options.keep_delete);
 }
 
@@ -69,7 +84,9 @@ void Board::OpenConsole(bool keep_delete) {
   setup.watched = world_->WatchedFd();
   setup.on_watched = board::PollWorld;
   setup.only_events = [] { return !g_board->FramesPending(); };
-  if (pseudo_terminal_) {
+  if (script_.Open()) {
+    setup.input = script_.Get();
+  } else if (pseudo_terminal_) {
     setup.input = setup.output = pseudo_terminal_->Fd();
     setup.return_is_line_feed = true;
     setup.delete_is_backspace = !keep_delete;
@@ -81,6 +98,8 @@ void Board::OpenConsole(bool keep_delete) {
   }
   if (!pseudo_terminal_) setup.at_end_of_input = EndOfInput;
   setup.before_wait = [] { g_board->BeforeWait(); };
+  if (options_.plain) setup.leaves_out = [](char c) { return g_board->LeavesOut(c); };
+  setup.on_long_wait = [] { g_board->TellOfLongWait(); };
   monitor::ConsoleOpen(setup);
 }
 
@@ -91,7 +110,32 @@ int Board::Finish() {
     trace_->Flush();
     failed = failed || trace_->Failed();
   }
-  return failed ? EXIT_FAILURE : EXIT_SUCCESS;
+  const int status = StatusOfLines();
+  return failed ? EXIT_FAILURE : status;
+}
+
+int Board::StatusOfLines() const {
+  if (options_.commands.empty()) return options_.plain ? progress_.Status() : EXIT_SUCCESS;
+  const std::size_t done = progress_.LinesOver() + (progress_.Left() ? 1 : 0);
+  if (done == options_.commands.size()) return progress_.Status();
+  Report("'" + options_.commands[done] + "' is behind an 'exit' and was not run");
+  return std::max(progress_.Status(), kExitRefused);
+}
+
+void Board::Note(monitor::ShellEvent event) {
+  progress_.Note(event);
+  if (!trace_) return;
+  if (event == monitor::ShellEvent::kRun) trace_->Mark(progress_.Doing());
+  if (event == monitor::ShellEvent::kServe) trace_->MarkOnce(progress_.Doing());
+}
+
+void Board::TellOfLongWait() const {
+  const monitor::Awaited& awaited = monitor::LastAwaited();
+  if (!awaited.first_look) return;
+  const bool terminal = pseudo_terminal_ || terminal_;
+  Report("'" + progress_.Doing() + "' " + DescribeWait(awaited) +
+         (terminal ? "; Ctrl-C ends the wait"
+                   : "; without a terminal only the end of the program ends it"));
 }
 
 bool Board::FramesPending() const { return world_->Pending(); }

@@ -4,7 +4,9 @@
 #include <optional>
 
 #include "board/options.h"
+#include "board/ports/descriptor.h"
 #include "board/ports/world.h"
+#include "board/progress.h"
 #include "board/pseudo_terminal.h"
 #include "board/terminal.h"
 #include "board/trace.h"
@@ -17,13 +19,20 @@ namespace board {
 class Board {
  public:
   /// Throws UsageError or, when something cannot be opened, another std::runtime_error; the console
-  /// is not touched then.
+  /// is not touched then. The options must outlive the board.
   explicit Board(const Options& options);
   Board(const Board&) = delete;
   Board& operator=(const Board&) = delete;
 
-  /// The program's exit status: 1 when something that was asked for could not be read or written.
+  /// The program's exit status: 1 when something that was asked for could not be read or written,
+  /// else that of the lines where the options want it.
   [[nodiscard]] int Finish();
+
+  /// Follows what the monitor's shell does.
+  void Note(monitor::ShellEvent event);
+
+  /// Tells the operator, once in each wait, what the monitor waits for.
+  void TellOfLongWait() const;
 
   /// True while captures still have frames that the packet service would take.
   [[nodiscard]] bool FramesPending() const;
@@ -38,7 +47,13 @@ class Board {
   void OpenTrace(const std::string& path);
   void OpenUart(const std::string& path);
   void OpenConsole(bool keep_delete);
+  /// True for output that is no answer, and for what a plain line end has not.
+  [[nodiscard]] bool LeavesOut(char c) const { return c == '\r' || progress_.Doing().empty(); }
+  [[nodiscard]] int StatusOfLines() const;
 
+  const Options& options_;
+  Progress progress_;
+  Descriptor script_;
   chip::RouterChip chip_;
   std::optional<PseudoTerminal> pseudo_terminal_;
   std::optional<Trace> trace_;

@@ -30,7 +30,7 @@ int Answer(const std::string& text) {
 int Run(const board::Options& options) {
   // Static, as the program may also end by an exit inside the monitor.
   static board::Board the_board(options);
-  monitor::RunShell();
+  monitor::RunShell([](monitor::ShellEvent event) { the_board.Note(event); });
   return the_board.Finish();
 }
 

@@ -4,10 +4,15 @@
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
 
+#include <unistd.h>
+
+#include <algorithm>
 #include <charconv>
 
 #include "board/faults.h"
 #include "board/nearest.h"
+#include "board/registers/export.h"
+#include "shell/line_editor.h"
 
 namespace board {
 namespace {
@@ -20,13 +25,31 @@ constexpr char kFooter[] =
     "what the port sends to OUT, with pcap:,OUT nothing comes in; unix:PATH is a socket on which "
     "a\n"
     "program exchanges frames (SOCK_SEQPACKET, one frame a packet).\n\n"
-    "With a script on standard input the board ends where the script does. Exit status: 0; 1 when\n"
-    "something could not be opened, read or written; 2 for a bad command line.\n";
+    "With -c, or with a script on standard input, the board ends where the lines do. Exit status: "
+    "0;\n"
+    "1 when something could not be opened, read or written; 2 for a bad command line; with -c or\n"
+    "--plain also 3 when a line was refused and 4 when a driver failed (4 when both happened).\n";
+
+/// Characters of a line that the monitor looks at; it cuts the others off.
+constexpr std::size_t kLongestCommand = monitor::kLineBufferSize - 2;
 
 /// An option's argument is not the next option.
 std::string CheckArgument(const std::string& argument) {
   if (!argument.starts_with('-')) return "";
   return "its argument is missing before '" + argument + "'";
+}
+
+/// A command stands for keys that are typed, so none of them may be one that edits.
+std::string CheckCommand(const std::string& command) {
+  std::string missing = CheckArgument(command);
+  if (!missing.empty()) return missing;
+  const auto is_control = [](unsigned char c) { return c < ' ' || c == '\x7f'; };
+  if (std::any_of(command.begin(), command.end(), is_control)) {
+    return "a command is one line without control characters; give each its own -c";
+  }
+  if (command.size() <= kLongestCommand) return "";
+  return "a command has " + std::to_string(command.size()) + " characters; the console takes " +
+         std::to_string(kLongestCommand);
 }
 
 std::string CheckPort(const std::string& argument) {
@@ -48,6 +71,12 @@ void Describe(CLI::App& app, Options& options) {
   app.description(kDescription);
   app.set_help_flag("-h,--help", "Print this help and exit");
   app.set_version_flag("--version", kVersion, "Print the version and exit");
+  app.add_option("-c,--command", options.commands, "Run LINE and end; may be repeated")
+      ->type_name("LINE")
+      ->check(CheckCommand, "")
+      ->allow_extra_args(false);
+  app.add_flag("--plain", options.plain,
+               "Print only the answers, with plain line ends: no banner, prompt and echo");
   app.add_option("--pty", options.pty_link, "Offer the console as a pseudo-terminal under LINK")
       ->type_name("LINK")
       ->check(CheckArgument, "");
@@ -79,6 +108,9 @@ void Describe(CLI::App& app, Options& options) {
          "Levels of the general-purpose pins, 0 to ff")
       ->type_name("HEX")
       ->check(CheckArgument, "");
+  app.add_flag("--registers{text}", options.registers,
+               "Print the register map and exit: --registers, --registers=svd (CMSIS-SVD) or "
+               "--registers=json");
   app.add_flag("--keep-delete", options.keep_delete, "Do not turn Delete into backspace");
 }
 
@@ -103,6 +135,26 @@ void RefuseStrangers(const std::vector<std::string>& words, const CLI::App& app)
   if (!words.empty()) throw UsageError("unexpected argument '" + words.front() + "'");
 }
 
+std::string RegisterMapIn(const std::string& format) {
+  std::string known;
+  for (const std::string& name : RegisterMapFormats()) {
+    if (name == format) return RegisterMap(format);
+    known.append(known.empty() ? "" : ", ").append(name);
+  }
+  throw UsageError("--registers: there is no format '" + format + "'; known are " + known);
+}
+
+/// Refuses options that contradict each other.
+void CheckTogether(const Options& options) {
+  if (options.pty_link && !options.commands.empty()) {
+    throw UsageError("--command and --pty: the lines come from one or the other");
+  }
+  if (!options.plain || !options.commands.empty()) return;
+  if (options.pty_link || isatty(STDIN_FILENO) != 0) {
+    throw UsageError("--plain is for lines given with -c or as a script on standard input");
+  }
+}
+
 }  // namespace
 
 Options ParseOptions(int argc, const char* const* argv) {
@@ -123,6 +175,8 @@ Options ParseOptions(int argc, const char* const* argv) {
     throw UsageError(error.what());
   }
   RefuseStrangers(app.remaining(), app);
+  CheckTogether(options);
+  if (options.registers) options.answer = RegisterMapIn(*options.registers);
   return options;
 }
 

@@ -16,6 +16,8 @@ struct UsageError : std::runtime_error {
 
 /// What the command line asks for.
 struct Options {
+  std::vector<std::string> commands;      ///< Lines to run instead of what would be typed.
+  bool plain = false;                     ///< Only answers are printed, with plain line ends.
   std::optional<std::string> pty_link;    ///< Console on a pseudo-terminal under this link.
   std::optional<std::string> trace_file;  ///< Every bus access goes there.
   std::vector<std::string> faults;        ///< As SetFault takes them.
@@ -23,7 +25,8 @@ struct Options {
   std::optional<std::string> uart_file;   ///< What the UART sends goes there.
   std::uint8_t gpio_inputs = 0;           ///< Levels of the general-purpose pins.
   bool keep_delete = false;               ///< The Delete key is not a backspace.
-  std::optional<std::string> answer;      ///< Text of --help or --version, instead of a run.
+  std::optional<std::string> registers;   ///< Print the register map in this format.
+  std::optional<std::string> answer;      ///< Text to print instead of a run.
 };
 
 /// Reads the command line. Throws UsageError.

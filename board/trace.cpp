@@ -9,8 +9,8 @@
 #include <system_error>
 #include <utility>
 
+#include "board/hex.h"
 #include "board/message.h"
-#include "core/format.h"
 
 namespace board {
 namespace {
@@ -32,16 +32,6 @@ class BrokenPipeIsError {
  private:
   struct sigaction old_ {};
 };
-
-std::string Hex(std::uint32_t value, unsigned digits) {
-  const char* format = "%08x";
-  if (digits == 2) format = "%02x";
-  if (digits == 4) format = "%04x";
-  const monitor::FormatArg args[] = {value};
-  std::array<char, 9> text;
-  monitor::FormatText(text.data(), text.size(), format, args);
-  return text.data();
-}
 
 /// An access in the notation of bus transcripts. `memory` marks frame buffer memory.
 std::string Notation(const char* memory, const chip::Access& access, unsigned address_digits) {
@@ -80,8 +70,27 @@ void Trace::Watch(chip::RouterChip& chip) {
   chip.on_lock = [this](bool locked) { Add(locked ? "lock" : "unlock"); };
 }
 
+void Trace::Mark(const std::string& cause) {
+  cause_ = cause;
+  mark_due_ = true;
+}
+
+void Trace::MarkOnce(const std::string& cause) {
+  cause_ = cause;
+  mark_due_ = cause_ != marked_;
+}
+
 void Trace::Add(const std::string& event) {
-  const std::string line = event + '\n';
+  if (mark_due_) {
+    AddLine("# " + cause_);
+    marked_ = cause_;
+    mark_due_ = false;
+  }
+  AddLine(event);
+}
+
+void Trace::AddLine(const std::string& text) {
+  const std::string line = text + '\n';
   if (line.size() > text_.size() - count_) Flush();
   std::memcpy(text_.data() + count_, line.data(), line.size());
   count_ += line.size();

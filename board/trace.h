@@ -3,13 +3,14 @@
 #include <array>
 #include <string>
 
-#include "board/register_names.h"
+#include "board/registers/register_names.h"
 #include "board/signal_guard.h"
 #include "chip/router_chip.h"
 
 namespace board {
 
-/// A file with a line for each event on the bus, "w8 060e 05  L3_INDEX". When the file cannot be
+/// A file with a line for each event on the bus, "w8 060e 05  L3_INDEX", and comment lines that
+/// say where they come from, "# l3 5". When the file cannot be
 /// written any more, that is reported once and the trace ends; the board goes on.
 class Trace {
  public:
@@ -22,6 +23,12 @@ class Trace {
   /// Notes everything that happens on the chip's bus from now on.
   void Watch(chip::RouterChip& chip);
 
+  /// Says what the next events come from, as a comment line before the first of them.
+  void Mark(const std::string& cause);
+
+  /// Mark, unless the last comment line says the same.
+  void MarkOnce(const std::string& cause);
+
   /// Hands everything to the file. Also done when a signal ends the program.
   void Flush();
 
@@ -30,6 +37,7 @@ class Trace {
 
  private:
   void Add(const std::string& event);
+  void AddLine(const std::string& text);
   void WriteOut();
 
   std::string path_;
@@ -38,6 +46,9 @@ class Trace {
   bool reported_ = false;
   std::array<char, 65536> text_;
   std::size_t count_ = 0;
+  std::string cause_;
+  std::string marked_;     ///< The cause in the last comment line.
+  bool mark_due_ = false;  ///< The next event begins with a comment line.
   RegisterNames names_;
   SignalGuard guard_;
 };

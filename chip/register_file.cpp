@@ -119,6 +119,10 @@ void RegisterFile::StoreToRow(const Row& row, std::uint32_t offset, std::uint32_
   if (behaviour.after_store) behaviour.after_store(stored);
 }
 
+const Behaviour* RegisterFile::BehaviourAt(std::uint32_t offset) const {
+  return row_at_[offset] == kUnclaimed ? nullptr : &rows_[row_at_[offset]].behaviour;
+}
+
 void RegisterFile::Reset() {
   bytes_.fill(0);
   for (const Row& row : rows_) Disassemble(row.offset, row.width, row.behaviour.reset);

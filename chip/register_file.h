@@ -88,6 +88,9 @@ class RegisterFile {
     }
   }
 
+  /// How the register that owns the byte behaves; null where there is none.
+  [[nodiscard]] const Behaviour* BehaviourAt(std::uint32_t offset) const;
+
   /// Every register back to its power-on value.
   void Reset();
 

@@ -3,15 +3,24 @@
 #include "core/console_port.h"
 
 namespace monitor {
+namespace {
+
+Awaited g_awaited;
+
+}  // namespace
 
 bool LongWait::GivenUp() {
   if (--rounds_left_ != 0) return false;
   rounds_left_ = kLookEvery;
+  g_awaited = awaited_;
+  awaited_.first_look = false;
   return ConsoleInterrupted();
 }
 
+const Awaited& LastAwaited() { return g_awaited; }
+
 DriverStatus WaitForBit(Reg8 reg, Field field) {
-  LongWait wait;
+  LongWait wait(reg, field);
   while ((Read(reg) & field.Mask()) == 0) {
     if (wait.GivenUp()) return DriverStatus::kNotReady;
   }

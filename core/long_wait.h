@@ -6,6 +6,13 @@
 
 namespace monitor {
 
+/// What a long wait waits for, without the names, which the monitor has no use for.
+struct Awaited {
+  std::uint16_t offset = 0;
+  std::uint8_t mask = 0;  ///< The wait ends when one of these bits rises; 0: it is for no register.
+  bool first_look = true;  ///< The console is looked at for the first time in this wait.
+};
+
 /// Counts the rounds of a loop that may never end by itself.
 class LongWait {
  public:
@@ -13,12 +20,23 @@ class LongWait {
   static constexpr unsigned kFirstLook = 100'000;
   static constexpr unsigned kLookEvery = 10'000;
 
+  /// A wait for something that is not on the bus.
+  LongWait() = default;
+
+  /// A wait for a bit of `field`.
+  LongWait(Reg8 reg, Field field) : awaited_{.offset = reg.offset, .mask = field.Mask()} {}
+
   /// Call once a round; true when the operator has typed Ctrl-C to end it.
   [[nodiscard]] bool GivenUp();
 
  private:
   unsigned rounds_left_ = kFirstLook;
+  Awaited awaited_;
 };
+
+/// What the wait that has last looked at the console is for. For ConsoleInterrupted, which may
+/// tell the operator.
+[[nodiscard]] const Awaited& LastAwaited();
 
 /// Loads `reg` until a bit of `field` is set, at least once, without a time limit. kOk, or
 /// kNotReady when the operator ended the wait.

@@ -21,20 +21,31 @@ struct RegisterRow {
   const char* meaning;
   std::array<Field, kMaxFields> fields{};
   unsigned field_count = 0;
+  const char* on_load;  ///< What a load does beside giving the value; mostly empty.
 
   template <std::unsigned_integral T>
-  consteval RegisterRow(Reg<T> reg, std::initializer_list<Field> list = {})  // NOLINT: a row
-      : offset(reg.offset), width(sizeof(T)), count(1), name(reg.name), meaning(reg.meaning) {
-    AddFields(list);
-  }
+  consteval RegisterRow(Reg<T> reg, std::initializer_list<Field> list = {},  // NOLINT: a row
+                        const char* load = "")
+      : RegisterRow(reg.offset, sizeof(T), 1, reg.name, reg.meaning, list, load) {}
 
   template <std::size_t N>
-  consteval RegisterRow(RegBytes<N> regs, std::initializer_list<Field> list = {})  // NOLINT: a row
-      : offset(regs.offset), width(1), count(N), name(regs.name), meaning(regs.meaning) {
+  consteval RegisterRow(RegBytes<N> regs, std::initializer_list<Field> list = {},  // NOLINT: a row
+                        const char* load = "")
+      : RegisterRow(regs.offset, 1, N, regs.name, regs.meaning, list, load) {}
+
+ private:
+  consteval RegisterRow(std::uint16_t at, std::uint8_t bytes, std::uint16_t registers,
+                        const char* row_name, const char* row_meaning,
+                        std::initializer_list<Field> list, const char* load)
+      : offset(at),
+        width(bytes),
+        count(registers),
+        name(row_name),
+        meaning(row_meaning),
+        on_load(load) {
     AddFields(list);
   }
 
- private:
   consteval void AddFields(std::initializer_list<Field> list) {
     std::uint32_t used = 0;
     for (const Field& field : list) {

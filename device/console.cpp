@@ -124,6 +124,18 @@ void WriteAll(const char* text, std::size_t count) {
   }
 }
 
+void Queue(const char* text, std::size_t count) {
+  if (count > sizeof(g_output) - g_output_count) {
+    ConsoleFlush();
+    if (count > sizeof(g_output)) {
+      WriteAll(text, count);
+      return;
+    }
+  }
+  memcpy(g_output + g_output_count, text, count);
+  g_output_count += count;
+}
+
 }  // namespace
 
 void ConsoleOpen(const ConsoleSetup& setup) { g_setup = setup; }
@@ -149,15 +161,13 @@ int ConsoleReadChar() {
 
 void ConsoleSend(const char* text, std::size_t count) {
   g_passes_to_look = 0;
-  if (count > sizeof(g_output) - g_output_count) {
-    ConsoleFlush();
-    if (count > sizeof(g_output)) {
-      WriteAll(text, count);
-      return;
-    }
+  if (g_setup.leaves_out == nullptr) {
+    Queue(text, count);
+    return;
   }
-  memcpy(g_output + g_output_count, text, count);
-  g_output_count += count;
+  for (; count != 0; --count, ++text) {
+    if (!g_setup.leaves_out(*text)) Queue(text, 1);
+  }
 }
 
 void ConsoleFlush() {
@@ -182,6 +192,7 @@ void ConsoleWait(long microseconds) {
 
 bool ConsoleInterrupted() {
   ConsoleFlush();
+  if (g_setup.on_long_wait != nullptr) g_setup.on_long_wait();
   if (isatty(g_setup.input) == 0) return false;
   if (g_input_begin != 0) {
     memmove(g_input, g_input + g_input_begin, g_input_end - g_input_begin);

@@ -15,6 +15,8 @@ struct ConsoleSetup {
   bool (*only_events)() = nullptr;      ///< True: input and `watched` tell of all that can happen,
                                         ///< so a wait needs no time limit.
   void (*at_end_of_input)() = nullptr;  ///< Called when the monitor waits for input that has ended.
+  bool (*leaves_out)(char c) = nullptr;  ///< True: a character is not to go to the output.
+  void (*on_long_wait)() = nullptr;      ///< Called at each look for a Ctrl-C in a long wait.
 };
 
 /// Replaces the setup. Standard input and output without extras hold until it is called.

@@ -15,11 +15,20 @@ inline constexpr Field kRateBucketSize{14, 0, "cbs", "committed bucket size"};
   return {static_cast<std::uint16_t>(reg.offset + 4 * queue), reg.name, reg.meaning};
 }
 
+/// The register under a name of its own.
+[[nodiscard]] constexpr Reg16 Named(const char* name, Reg16 reg) {
+  return {reg.offset, name, reg.meaning};
+}
+
 inline constexpr RegisterRow kRateControlRegisters[] = {
-    OfQueue(kRateInformation, 0), {OfQueue(kRateBucket, 0), {kRateEnable, kRateBucketSize}},
-    OfQueue(kRateInformation, 1), {OfQueue(kRateBucket, 1), {kRateEnable, kRateBucketSize}},
-    OfQueue(kRateInformation, 2), {OfQueue(kRateBucket, 2), {kRateEnable, kRateBucketSize}},
-    OfQueue(kRateInformation, 3), {OfQueue(kRateBucket, 3), {kRateEnable, kRateBucketSize}},
+    Named("RC0_CIR", OfQueue(kRateInformation, 0)),
+    {Named("RC0_BUCKET", OfQueue(kRateBucket, 0)), {kRateEnable, kRateBucketSize}},
+    Named("RC1_CIR", OfQueue(kRateInformation, 1)),
+    {Named("RC1_BUCKET", OfQueue(kRateBucket, 1)), {kRateEnable, kRateBucketSize}},
+    Named("RC2_CIR", OfQueue(kRateInformation, 2)),
+    {Named("RC2_BUCKET", OfQueue(kRateBucket, 2)), {kRateEnable, kRateBucketSize}},
+    Named("RC3_CIR", OfQueue(kRateInformation, 3)),
+    {Named("RC3_BUCKET", OfQueue(kRateBucket, 3)), {kRateEnable, kRateBucketSize}},
 };
 
 }  // namespace monitor

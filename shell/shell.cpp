@@ -48,12 +48,24 @@ void InitWords() {
   for (int i = 0; i < kMaxWords; ++i) g_argv[i] = g_words + i * kWordSize;
 }
 
+void Tell(ShellWatch watch, ShellEvent event) {
+  if (watch != nullptr) watch(event);
+}
+
+bool ServePackets(ShellWatch watch) {
+  if (!PacketServiceOn()) return false;
+  Tell(watch, ShellEvent::kServe);
+  const bool served = PacketService();
+  Tell(watch, ShellEvent::kEdit);
+  return served;
+}
+
 /// Reads characters and serves frames until a line is complete.
-void CollectLine() {
+void CollectLine(ShellWatch watch) {
   IdleWait idle;
   for (;;) {
     const bool typed = LineEditorPoll();
-    const bool served = PacketServiceOn() && PacketService();
+    const bool served = ServePackets(watch);
     if (LineReady != 0) return;
     // A script that waits goes on at once and its output in large pieces; an operator's echo and
     // the frames printed meanwhile go out although nothing makes the loop sleep.
@@ -73,44 +85,61 @@ const CommandEntry* FindCommand(char* word) {
   return nullptr;
 }
 
-void RunCommand(const CommandEntry& row, int argc) {
-  if (row.handler(argc, g_argv) == kUsage) {
+/// Beside the results of a CommandHandler: the line was `exit`.
+constexpr int kExit = 2;
+
+int RunCommand(const CommandEntry& row, int argc) {
+  const int result = row.handler(argc, g_argv);
+  if (result == kUsage) {
     ConsolePuts(kInvalidCommand);
     std::strcpy(g_argv[1], g_argv[0]);  // NOLINT: a command word fits its slot
     Help(2, g_argv);
   }
   // Should the next command fault, this one's answer has been seen.
   ConsoleFlush();
+  return result;
+}
+
+int RunLine() {
+  const int argc = Tokenise(g_argv, kMaxWords, kWordSize);
+  if (argc == 0) return kDone;
+  if (argc < 0) {
+    ConsolePuts("\n\r");
+    ConsolePuts(kInvalidCommand);
+    return kUsage;
+  }
+  const CommandEntry* const row = FindCommand(g_argv[0]);
+  if (row == nullptr) {
+    ConsolePuts(kNoCommand);
+    return kUsage;
+  }
+  return row->handler == nullptr ? kExit : RunCommand(*row, argc);
+}
+
+constexpr ShellEvent Outcome(int result) {
+  if (result == kUsage) return ShellEvent::kRefused;
+  return result == kFailed ? ShellEvent::kFailed : ShellEvent::kDone;
 }
 
 }  // namespace
 
-int RunShell() {
+int RunShell(ShellWatch watch) {
   HistoryInit();
   InitWords();
   ClsClearShadow();
   ConsolePuts(kBanner);
   for (;;) {
+    Tell(watch, ShellEvent::kEdit);
     ConsolePuts(kPrompt);
-    CollectLine();
-    const int argc = Tokenise(g_argv, kMaxWords, kWordSize);
-    if (argc == 0) continue;
-    if (argc < 0) {
-      ConsolePuts("\n\r");
-      ConsolePuts(kInvalidCommand);
-      continue;
-    }
-    const CommandEntry* const row = FindCommand(g_argv[0]);
-    if (row == nullptr) {
-      ConsolePuts(kNoCommand);
-      continue;
-    }
-    if (row->handler == nullptr) {
+    CollectLine(watch);
+    Tell(watch, ShellEvent::kRun);
+    const int result = RunLine();
+    if (result == kExit) {
       IrqUnlock(0);
       ConsoleFlush();
       return 0;
     }
-    RunCommand(*row, argc);
+    Tell(watch, Outcome(result));
   }
 }
 

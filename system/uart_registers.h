@@ -28,9 +28,9 @@ inline constexpr Field kUartHoldingEmpty{5, 5, "holding_empty", "takes the next 
 inline constexpr Field kUartDataReady{0, 0, "data_ready", "a received byte is waiting"};
 
 inline constexpr RegisterRow kUartRegisters[] = {
-    kUartData,
+    {kUartData, {}, "takes the received byte"},
     {kUartInterruptEnable, {kUartEnableTransmit, kUartEnableReceive}},
-    {kUartStatus, {kUartFifosOn, kUartInterruptSource, kUartNoInterrupt}},
+    {kUartStatus, {kUartFifosOn, kUartInterruptSource, kUartNoInterrupt}, "takes back source 1"},
     {kUartLineControl, {kUartDivisorAccess}},
     kUartModemControl,
     {kUartLineStatus, {kUartTransmitterEmpty, kUartHoldingEmpty, kUartDataReady}},

@@ -15,6 +15,8 @@ IDLE = "L3_COMMAND counter=0 write=0 start=0 write_ready=1 read_ready=1\n"
 READ_STARTED = "L3_COMMAND counter=0 write=0 start=1 write_ready=1 read_ready=0\n"
 READ_RUNNING = "L3_COMMAND counter=0 write=0 start=0 write_ready=1 read_ready=0\n"
 
+MARK = "# l3 5\n"
+
 # l3 5: slot, busy test, start (old | 04) & e6, end of the pulse, wait; then the registers. The
 # model completes at the second load after the start, which is the first one of the wait.
 LISTING = (
@@ -138,35 +140,41 @@ class Content(TraceTest):
     maxDiff = None
 
     def test_listing(self):
-        self.assertEqual(self.run_board(b"l3 5\n"), LISTING + EMPTY)
+        self.assertEqual(self.run_board(b"l3 5\n"), MARK + LISTING + EMPTY)
 
     def test_write_and_read_back(self):
-        line = b"l3 5 = 10.1.2.0 18 10.1.2.1 lan 1 3 direct\n"
-        self.assertEqual(self.run_board(line), WRITING + READING_BACK)
+        line = "l3 5 = 10.1.2.0 18 10.1.2.1 lan 1 3 direct\n"
+        wanted = "# " + line + WRITING + READING_BACK
+        self.assertEqual(self.run_board(line.encode()), wanted)
 
     def test_frame_buffer_memory(self):
         trace = self.run_board(b"frame t 3 1 cpu 0 low\nframe r\n")
-        self.assertEqual(trace, TRANSMITTING + RECEIVING)
+        wanted = "# frame t 3 1 cpu 0 low\n" + TRANSMITTING + "# frame r\n" + RECEIVING
+        self.assertEqual(trace, wanted)
 
     def test_parts_of_registers(self):
         trace = self.run_board(b"reg 103\nreg 60a = 7f\nreg 617\n")
         self.assertEqual(
             trace,
             # The model number is 5910.
+            "# reg 103\n"
             "r8 0103 10  CHIP_MODEL[7:0]\n"
+            "# reg 60a = 7f\n"
             "w8 060a 7f  L3_NEXT_HOP[15:8]\n"
             "r8 060a 7f  L3_NEXT_HOP[15:8]\n"
+            "# reg 617\n"
             "r8 0617 00  L3_OVERFLOW[3]\n",
         )
 
     def test_no_register(self):
-        self.assertEqual(self.run_board(b"reg 1f00 = a5\n"), "w8 1f00 a5\nr8 1f00 a5\n")
+        trace = self.run_board(b"reg 1f00 = a5\n")
+        self.assertEqual(trace, "# reg 1f00 = a5\nw8 1f00 a5\nr8 1f00 a5\n")
 
     def test_frame_that_is_sent(self):
         """The transmission is done at the second load behind the start."""
         trace = self.run_board(b"frame t 40 1 lan 2 high\n")
         events = [line.split("  ")[0] for line in trace.splitlines()]
-        wanted = ["r16 010c 0100", "r16 010c 0100", "map 0100", "lock", "mw16 01000800 0040"]
+        wanted = ["# frame t 40 1 lan 2 high", "r16 010c 0100", "r16 010c 0100", "map 0100", "lock", "mw16 01000800 0040"]
         wanted += ["w8 042a 62", "w8 0429 01", "r8 042b 02", "w8 042b 03", "r8 042b 01"]
         wanted += 99 * ["r8 042b 03"] + ["w8 042b 02", "unlock", "r8 042b 02"]
         self.assertEqual(events, wanted)
@@ -185,7 +193,30 @@ class Content(TraceTest):
         self.assertIn("r16 0210 0010  INT_STATUS frame_received=1\n", trace)
 
     def test_exit_unlocks(self):
-        self.assertEqual(self.run_board(b"exit\n"), "unlock\n")
+        self.assertEqual(self.run_board(b"exit\n"), "# exit\nunlock\n")
+
+    def test_commands_are_named_before_their_first_access(self):
+        """Once for each time they run, as edited, unless they touch nothing."""
+        trace = self.run_board(b"zz\nl3 40\nreg 103  \nreg 103\nreg 105\b2 = 1 q\b\n\n")
+        access = "r8 0103 10  CHIP_MODEL[7:0]\n"
+        store = "w8 0102 01  CHIP_MODEL[15:8]\nr8 0102 59  CHIP_MODEL[15:8]\n"
+        wanted = "# reg 103  \n" + access + "# reg 103\n" + access + "# reg 102 = 1 \n" + store
+        self.assertEqual(trace, wanted)
+
+    def test_unprintable_characters_stay_on_their_line(self):
+        trace = self.run_board(b"version \r x\nexit \xff\t~\n")
+        marks = [line for line in trace.splitlines() if line[0] == "#"]
+        self.assertEqual(marks, ["# version ", "# exit \\xff\\x09~"])
+
+    def test_packet_service_is_named_once_in_a_row(self):
+        """It looks for frames between the characters of each line."""
+        trace = self.run_board(b"frame r = auto\nreg 103\nreg 103\nframe r = manual\nreg 103\n")
+        marks = [line for line in trace.splitlines() if line[0] == "#"]
+        service = "# packet service"
+        wanted = [service, "# reg 103", service, "# reg 103", service, "# reg 103"]
+        self.assertEqual(marks, wanted)
+        after = trace.splitlines()[1]
+        self.assertEqual(after, "r16 010c 0100  FRAME_BASE")
 
     def test_slow_engine(self):
         """Fifty loads after the start: one ends the pulse, the others wait."""
@@ -213,7 +244,7 @@ class Content(TraceTest):
         board.stdin.write(b"x")
         board.stdin.flush()
         screen.shows(b"x")
-        self.assertEqual(self.trace(), LISTING + EMPTY)
+        self.assertEqual(self.trace(), MARK + LISTING + EMPTY)
 
     def test_complete_when_a_signal_ends_the_board(self):
         reader, writer = os.pipe()
@@ -222,7 +253,7 @@ class Content(TraceTest):
             arguments = [BOARD, "--trace", self.path]
             done = support.run(arguments, None, stdin=script, stdout=output)
         self.assertEqual(done.returncode, -signal.SIGPIPE)
-        self.assertEqual(self.trace(), LISTING + EMPTY)
+        self.assertEqual(self.trace(), MARK + LISTING + EMPTY)
 
 
 class Failure(unittest.TestCase):
@@ -255,7 +286,7 @@ class Failure(unittest.TestCase):
             with script_file(b"l3 5\n") as script:
                 self.assertEqual(support.run(closed, None, stdin=script).returncode, 1)
             with open(path, encoding="ascii") as trace:
-                self.assertEqual(trace.read(), LISTING + EMPTY)
+                self.assertEqual(trace.read(), MARK + LISTING + EMPTY)
 
     def test_reader_goes_away(self):
         reader, writer = os.pipe()

@@ -79,6 +79,26 @@ TEST_F(LongWaits, CtrlCEndsAWaitBehind100000Loads) {
   EXPECT_EQ(TakeLooks(), 1U);
 }
 
+TEST_F(LongWaits, TellAtEachLookWhatTheyWaitForAndWhetherItIsTheFirst) {
+  {
+    ScriptedBus bus("r8 0123 00 x109999\n r8 0123 08");
+    EXPECT_EQ(WaitForBit(kStatus, kDone), DriverStatus::kOk);
+  }
+  EXPECT_EQ(LastAwaited().offset, 0x123U);
+  EXPECT_EQ(LastAwaited().mask, 0x08U);
+  EXPECT_TRUE(LastAwaited().first_look);
+  {
+    ScriptedBus bus("r8 0123 00 x110000\n r8 0123 08");
+    EXPECT_EQ(WaitForBit(kStatus, kDone), DriverStatus::kOk);
+  }
+  EXPECT_FALSE(LastAwaited().first_look);
+
+  LongWait wait;
+  for (unsigned round = 1; round <= 100'000; ++round) ASSERT_FALSE(wait.GivenUp());
+  EXPECT_EQ(LastAwaited().mask, 0U);
+  EXPECT_TRUE(LastAwaited().first_look);
+}
+
 TEST_F(LongWaits, TheOperatorSeesWhatWasPrintedBeforeTheWait) {
   ConsolePuts("waiting");
   EXPECT_EQ(UnflushedOutput(), 7U);

@@ -307,5 +307,43 @@ TEST_F(Shell, NeverSleepsWhileCharactersWait) {
   EXPECT_EQ(TakeSleeps(), std::vector<long>{});
 }
 
+std::vector<ShellEvent> g_events;
+
+TEST_F(Shell, TellsItsWatcherOfEveryLineAndOutcome) {
+  using enum ShellEvent;
+  g_events.clear();
+  const std::string long_word(33, 'x');
+  const std::vector<std::string> lines = {"", "zz", long_word, "cs 9", "help cs", "sc wan"};
+  for (const std::string& line : lines) Type(line + kEnter);
+  Type("exit" + kEnter);
+  // The statistics engine is busy.
+  const ScriptedBus bus("w8 085d 00\n r8 085c 00\n unlock");
+  EXPECT_EQ(RunShell([](ShellEvent event) { g_events.push_back(event); }), 0);
+  const std::vector<ShellEvent> wanted = {
+      kEdit, kRun, kDone,     // nothing
+      kEdit, kRun, kRefused,  // zz
+      kEdit, kRun, kRefused,  // long_word
+      kEdit, kRun, kRefused,  // cs 9
+      kEdit, kRun, kDone,     // help cs
+      kEdit, kRun, kFailed,   // sc wan
+      kEdit, kRun,            // exit
+  };
+  EXPECT_EQ(g_events, wanted);
+}
+
+TEST_F(Shell, TellsItsWatcherWhenThePacketServiceHasItsTurn) {
+  using enum ShellEvent;
+  g_events.clear();
+  ReceiveMode = 1;
+  Type("exit" + kEnter);
+  const std::string transcript = Times(5, kNoFrame) + kUnlock;
+  const ScriptedBus bus(transcript.c_str());
+  EXPECT_EQ(RunShell([](ShellEvent event) { g_events.push_back(event); }), 0);
+  std::vector<ShellEvent> wanted = {kEdit};
+  for (int passes = 5; passes != 0; --passes) wanted.insert(wanted.end(), {kServe, kEdit});
+  wanted.push_back(kRun);
+  EXPECT_EQ(g_events, wanted);
+}
+
 }  // namespace
 }  // namespace monitor

@@ -6,8 +6,9 @@
 namespace monitor {
 namespace {
 
-TEST(PastedTrace, IsATranscriptWithTheRegisterNamesAsCommentary) {
+TEST(PastedTrace, IsATranscriptWithNamesAndCommandsAsCommentary) {
   ScriptedBus bus(R"(
+# l3 c 5
 w8 060e 05  L3_INDEX
 r8 060d 03  L3_COMMAND counter=0 write=0 start=0 write_ready=1 read_ready=1
 r8 060d 03  L3_COMMAND counter=0 write=0 start=0 write_ready=1 read_ready=1

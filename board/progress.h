@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+#include "shell/shell.h"
+
+namespace board {
+
+/// What the monitor is doing, and how its lines have fared.
+class Progress {
+ public:
+  /// To be called with each event of the shell, as it comes.
+  void Note(monitor::ShellEvent event);
+
+  /// The line that runs, as it stands after editing, unprintable characters as "\x1b"; "packet
+  /// service" while that has its turn. Empty at the prompt.
+  [[nodiscard]] const std::string& Doing() const { return doing_; }
+
+  /// Lines that have come to their end, `exit` not among them.
+  [[nodiscard]] std::size_t LinesOver() const { return lines_over_; }
+
+  /// True once `exit` has been run.
+  [[nodiscard]] bool Left() const { return runs_; }
+
+  /// Exit status for the lines so far: that of the worst of them, 0 when all were carried out.
+  [[nodiscard]] int Status() const { return status_; }
+
+ private:
+  void EndLine(int status);
+
+  std::string doing_;
+  bool runs_ = false;
+  std::size_t lines_over_ = 0;
+  int status_ = 0;
+};
+
+/// Exit statuses of lines, the graver the higher.
+inline constexpr int kExitRefused = 3;
+inline constexpr int kExitFailed = 4;
+
+/// What Progress calls the packet service.
+inline constexpr char kPacketService[] = "packet service";
+
+}  // namespace board
