@@ -27,7 +27,10 @@ constexpr long kEndedPauseMicroseconds = 100'000;
 
 ConsoleSetup g_setup;
 
-char g_input[4096];
+/// Most characters that one read takes, and that a wait which looks for a Ctrl-C among them keeps;
+/// the rest of the buffer is for the next ones that it has to look through.
+constexpr std::size_t kTypedAhead = 3072;
+char g_input[kTypedAhead + 1024];
 std::size_t g_input_begin = 0;
 std::size_t g_input_end = 0;
 bool g_input_ended = false;
@@ -135,7 +138,7 @@ int ConsoleReadChar() {
       return -1;
     }
     g_input_begin = 0;
-    g_input_end = ReadWaiting(g_input, sizeof(g_input));
+    g_input_end = ReadWaiting(g_input, kTypedAhead);
     if (g_input_end == 0) {
       g_passes_to_look = kPassesBetweenLooks - 1;
       return -1;
@@ -188,9 +191,8 @@ bool ConsoleInterrupted() {
     g_input_end -= g_input_begin;
     g_input_begin = 0;
   }
-  // A full buffer gives up its last character for each new one, as a terminal's own queue does,
-  // so that a Ctrl-C behind any amount of input is found.
-  if (g_input_end == sizeof(g_input)) --g_input_end;
+  // What is too much is given up, so that a Ctrl-C behind any amount of input is found, and soon.
+  if (g_input_end > kTypedAhead) g_input_end = kTypedAhead;
   g_input_end += ReadWaiting(g_input + g_input_end, sizeof(g_input) - g_input_end);
   return DiscardToCtrlC();
 }
