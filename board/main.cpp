@@ -3,11 +3,11 @@
 #include <csignal>
 #include <cstdlib>
 #include <exception>
-#include <iostream>
 
 #include "board/board.h"
 #include "board/message.h"
 #include "board/options.h"
+#include "core/console_port.h"
 #include "shell/shell.h"
 
 namespace {
@@ -23,8 +23,9 @@ void OccupyStandardDescriptors() {
 }
 
 int Answer(const std::string& text) {
-  std::cout << text << std::flush;
-  return std::cout ? EXIT_SUCCESS : EXIT_FAILURE;
+  monitor::ConsoleSend(text.data(), text.size());
+  monitor::ConsoleFlush();
+  return EXIT_SUCCESS;
 }
 
 int Run(const board::Options& options) {
