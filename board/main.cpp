@@ -15,10 +15,10 @@ namespace {
 constexpr int kExitUsage = 2;
 
 /// A standard descriptor that the caller has closed must not come to name a file that is opened
-/// later. What takes its place fails as a closed one does.
+/// later. What takes its place is an input that has ended, or an output that fails.
 void OccupyStandardDescriptors() {
   for (int fd = 0; fd <= 2; ++fd) {
-    if (fcntl(fd, F_GETFD) < 0) open("/dev/null", fd == 0 ? O_WRONLY : O_RDONLY);
+    if (fcntl(fd, F_GETFD) < 0) open("/dev/null", O_RDONLY);
   }
 }
 

@@ -7,9 +7,8 @@ import unittest
 
 import kernel_memory
 import support
+from kernel_memory import MAPPED
 from support import START
-
-MAPPED = b"db:ret of mmap is 0x50000000\n"
 
 
 class LauncherTest(unittest.TestCase):

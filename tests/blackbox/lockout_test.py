@@ -1,7 +1,6 @@
 """Whatever the hardware does, Ctrl-C gives the operator of a terminal the prompt back."""
 
 import os
-import re
 import struct
 import tempfile
 import time
