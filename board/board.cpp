@@ -23,10 +23,13 @@ namespace {
 Board* g_board = nullptr;
 
 /// The end of a script, once the packet service has worked off the captures. The monitor has no
-/// way to return in the middle of a line.
-void EndOfInput() {
+/// way to return in the middle of a line. A script that cannot be read to its end has failed.
+void EndOfInput(int error) {
   if (monitor::PacketServiceOn() && g_board->FramesPending()) return;
-  std::exit(g_board->Finish());
+  const int status = g_board->Finish();
+  if (error == 0) std::exit(status);
+  Report(std::string("cannot read the console's input: ") + std::strerror(error));
+  std::exit(EXIT_FAILURE);
 }
 
 /// A file in memory that holds the lines.

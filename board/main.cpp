@@ -3,11 +3,11 @@
 #include <csignal>
 #include <cstdlib>
 #include <exception>
-#include <iostream>
 
 #include "board/board.h"
 #include "board/message.h"
 #include "board/options.h"
+#include "core/console_port.h"
 #include "shell/shell.h"
 
 namespace {
@@ -15,16 +15,17 @@ namespace {
 constexpr int kExitUsage = 2;
 
 /// A standard descriptor that the caller has closed must not come to name a file that is opened
-/// later. What takes its place fails as a closed one does.
+/// later. What takes its place is an input that has ended, or an output that fails.
 void OccupyStandardDescriptors() {
   for (int fd = 0; fd <= 2; ++fd) {
-    if (fcntl(fd, F_GETFD) < 0) open("/dev/null", fd == 0 ? O_WRONLY : O_RDONLY);
+    if (fcntl(fd, F_GETFD) < 0) open("/dev/null", O_RDONLY);
   }
 }
 
 int Answer(const std::string& text) {
-  std::cout << text << std::flush;
-  return std::cout ? EXIT_SUCCESS : EXIT_FAILURE;
+  monitor::ConsoleSend(text.data(), text.size());
+  monitor::ConsoleFlush();
+  return EXIT_SUCCESS;
 }
 
 int Run(const board::Options& options) {

@@ -23,6 +23,8 @@ void Report(const std::string& text) {
   monitor::ConsoleFlush();
   const char* const end = OnRawTerminal() ? "\r\n" : "\n";
   const char* const begin = OnRawTerminal() ? "\r\n" : "";
+  // A message that could not be written does not silence the next.
+  std::cerr.clear();
   std::cerr << begin << "virtual-board: " + text + end;
 }
 

@@ -42,7 +42,9 @@ termios RawTerminal::ModeOf(int fd) {
 }
 
 void RawTerminal::Restore() const {
-  if (OwnsTerminal(fd_)) tcsetattr(fd_, TCSANOW, &saved_);
+  if (!OwnsTerminal(fd_)) return;
+  // Nobody else will put it back, so a failure is not taken for an answer at once.
+  if (tcsetattr(fd_, TCSANOW, &saved_) < 0) tcsetattr(fd_, TCSANOW, &saved_);
 }
 
 }  // namespace board

@@ -27,10 +27,14 @@ constexpr long kEndedPauseMicroseconds = 100'000;
 
 ConsoleSetup g_setup;
 
-char g_input[4096];
+/// Most characters that one read takes, and that a wait which looks for a Ctrl-C among them keeps;
+/// the rest of the buffer is for the next ones that it has to look through.
+constexpr std::size_t kTypedAhead = 3072;
+char g_input[kTypedAhead + 1024];
 std::size_t g_input_begin = 0;
 std::size_t g_input_end = 0;
 bool g_input_ended = false;
+int g_input_error = 0;
 
 /// A look at the input is a system call. While passes follow each other without a wait, as when
 /// frames pour in, one pass in some is enough for it; printing takes time and makes it due.
@@ -40,23 +44,30 @@ unsigned g_passes_to_look = 0;
 char g_output[8192];
 std::size_t g_output_count = 0;
 
-/// Waits for an event on one of the descriptors; a negative time has no limit.
-bool WaitForAny(pollfd* entries, nfds_t count, long microseconds) {
+/// Waits for an event on one of the descriptors; a negative time has no limit. The number of
+/// events; negative when the wait was refused.
+int WaitForAny(pollfd* entries, nfds_t count, long microseconds) {
   const timespec limit{.tv_sec = microseconds / 1'000'000,
                        .tv_nsec = microseconds % 1'000'000 * 1000};
-  return ppoll(entries, count, microseconds < 0 ? nullptr : &limit, nullptr) > 0;
+  int events;
+  do {
+    events = ppoll(entries, count, microseconds < 0 ? nullptr : &limit, nullptr);
+  } while (events < 0 && errno == EINTR);
+  return events;
 }
 
-bool WaitFor(int fd, short events, long microseconds) {
+int WaitFor(int fd, short events, long microseconds) {
   pollfd entry{.fd = fd, .events = events, .revents = 0};
   return WaitForAny(&entry, 1, microseconds);
 }
+
+int InputEvents() { return WaitFor(g_setup.input, POLLIN, 0); }
 
 void WaitForInputOrWatched(long microseconds) {
   pollfd entries[] = {{.fd = g_setup.input, .events = POLLIN, .revents = 0},
                       {.fd = g_setup.watched, .events = POLLIN, .revents = 0}};
   if (g_setup.only_events != nullptr && g_setup.only_events()) microseconds = -1;
-  if (!WaitForAny(entries, 2, microseconds)) {
+  if (WaitForAny(entries, 2, microseconds) <= 0) {
     // The wait itself was the look that the next pass would take.
     g_passes_to_look = 1;
   } else if (entries[1].revents != 0) {
@@ -70,15 +81,16 @@ void Sleep(long microseconds) {
   nanosleep(&time, nullptr);
 }
 
-/// Reads what waits on the input, without blocking; the number of characters.
+/// Reads what waits on the input; the number of characters.
 std::size_t ReadWaiting(char* text, std::size_t room) {
-  if (!WaitFor(g_setup.input, POLLIN, 0)) return 0;
   const ssize_t got = read(g_setup.input, text, room);
   if (got > 0) {
     g_input_ended = false;
     return static_cast<std::size_t>(got);
   }
-  if (got == 0 || (errno != EAGAIN && errno != EINTR)) g_input_ended = true;
+  if (got < 0 && (errno == EAGAIN || errno == EINTR)) return 0;
+  g_input_ended = true;
+  g_input_error = got < 0 ? errno : 0;
   return 0;
 }
 
@@ -94,7 +106,7 @@ bool DiscardToCtrlC() {
 void Complain(const char* reason) {
   static constexpr char kWhat[] = "cannot write console output: ";
   const auto tell = [](const char* text) {
-    if (write(STDERR_FILENO, text, strlen(text)) < 0) return;
+    while (write(STDERR_FILENO, text, strlen(text)) < 0 && errno == EINTR) continue;
   };
   tell(kWhat);
   tell(reason);
@@ -147,7 +159,8 @@ int ConsoleReadChar() {
       return -1;
     }
     g_input_begin = 0;
-    g_input_end = ReadWaiting(g_input, sizeof(g_input));
+    // A look that is refused leaves reading, which then waits, as the only way to the input.
+    g_input_end = InputEvents() != 0 ? ReadWaiting(g_input, kTypedAhead) : 0;
     if (g_input_end == 0) {
       g_passes_to_look = kPassesBetweenLooks - 1;
       return -1;
@@ -185,7 +198,7 @@ void ConsoleWait(long microseconds) {
     WaitForInputOrWatched(microseconds);
     return;
   }
-  if (g_setup.at_end_of_input != nullptr) g_setup.at_end_of_input();
+  if (g_setup.at_end_of_input != nullptr) g_setup.at_end_of_input(g_input_error);
   const bool shorter = microseconds >= 0 && microseconds < kEndedPauseMicroseconds;
   Sleep(shorter ? microseconds : kEndedPauseMicroseconds);
 }
@@ -199,10 +212,11 @@ bool ConsoleInterrupted() {
     g_input_end -= g_input_begin;
     g_input_begin = 0;
   }
-  // A full buffer gives up its last character for each new one, as a terminal's own queue does,
-  // so that a Ctrl-C behind any amount of input is found.
-  if (g_input_end == sizeof(g_input)) --g_input_end;
-  g_input_end += ReadWaiting(g_input + g_input_end, sizeof(g_input) - g_input_end);
+  // What is too much is given up, so that a Ctrl-C behind any amount of input is found, and soon.
+  if (g_input_end > kTypedAhead) g_input_end = kTypedAhead;
+  if (InputEvents() > 0) {
+    g_input_end += ReadWaiting(g_input + g_input_end, sizeof(g_input) - g_input_end);
+  }
   return DiscardToCtrlC();
 }
 

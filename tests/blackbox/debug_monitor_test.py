@@ -1,19 +1,16 @@
 """debug-monitor as it ships, on a file that stands in for the kernel's memory."""
 
-import fcntl
 import os
 import re
 import signal
 import subprocess
 import time
 import tty
-import unittest
 
 import kernel_memory
 import support
+from kernel_memory import MAPPED
 from support import PROMPT, START
-
-MAPPED = b"db:ret of mmap is 0x50000000\n"
 
 
 class StartUp(kernel_memory.KernelMemoryTest):
@@ -187,81 +184,6 @@ class Idle(kernel_memory.KernelMemoryTest):
             with open(path, "wb") as writer:
                 writer.write(line + b"\n")
             screen.shows(line + answer)
-        self.assertEqual(monitor.wait(support.DEADLINE), 0)
-
-
-class Output(kernel_memory.KernelMemoryTest):
-    def leave_reader(self, **options):
-        """Status of a monitor whose reader goes away while it runs."""
-        monitor = subprocess.Popen(
-            self.command(),
-            stdin=subprocess.PIPE,
-            stdout=subprocess.PIPE,
-            stderr=subprocess.PIPE,
-            **options,
-        )
-        self.addCleanup(support.end, monitor)
-        support.Screen(self, monitor.stdout.fileno()).shows(MAPPED + START)
-        monitor.stdout.close()
-        monitor.stdin.write(b"help\n")
-        monitor.stdin.flush()
-        status = monitor.wait(support.DEADLINE)
-        self.assertEqual(monitor.stderr.read(), b"")
-        return status
-
-    def test_reader_goes_away(self):
-        self.assertEqual(self.leave_reader(), -signal.SIGPIPE)
-
-    def test_reader_goes_away_and_the_signal_is_ignored(self):
-        def ignore():
-            signal.signal(signal.SIGPIPE, signal.SIG_IGN)
-
-        status = self.leave_reader(restore_signals=False, preexec_fn=ignore)
-        self.assertEqual(status, 1)
-
-    def test_full_disk(self):
-        with open("/dev/full", "wb") as full:
-            done = support.run(self.command(), b"exit\n", stdout=full)
-        self.assertEqual(done.returncode, 1)
-        self.assertIn(b"No space left on device", done.stderr)
-
-    def test_full_disk_without_device(self):
-        with open("/dev/full", "wb") as full:
-            command = kernel_memory.inside("", support.program("DEBUG_MONITOR"))
-            self.assertNotEqual(support.run(command, stdout=full).returncode, 0)
-
-    def test_nothing_is_lost_on_an_output_that_does_not_block(self):
-        reader, writer = os.pipe()
-        self.addCleanup(os.close, reader)
-        fcntl.fcntl(writer, fcntl.F_SETPIPE_SZ, 4096)
-        os.set_blocking(writer, False)
-        monitor = subprocess.Popen(self.command(), stdin=subprocess.PIPE, stdout=writer)
-        self.addCleanup(support.end, monitor)
-        os.close(writer)
-        monitor.stdin.write(b"reg 0 2000\nexit\n")
-        monitor.stdin.flush()
-        zeros = 16 * b"00 " + b"\n\r"
-        dump = b"".join(b"%08X: " % (0x50000000 + at) + zeros for at in range(0, 0x2000, 16))
-        screen = support.Screen(self, reader)
-        screen.shows(MAPPED + START + b"reg 0 2000\r\n" + dump + PROMPT + b"exit\r\n")
-        self.assertEqual(monitor.wait(support.DEADLINE), 0)
-
-    def test_same_bytes_into_pipe_file_and_terminal(self):
-        script = b"help\nhelp clsfr\nreg 100 40\nreg 3 =\nl3\n" + 40 * b"long " + b"\nexit\n"
-        pipe = support.run(self.command(), script).stdout
-        self.assertEqual(pipe[: len(MAPPED + START)], MAPPED + START)
-
-        with open(os.path.join(self.folder, "output"), "w+b") as file:
-            support.run(self.command(), script, stdout=file)
-            file.seek(0)
-            self.assertEqual(file.read(), pipe)
-
-        terminal = support.Terminal(self)
-        tty.setraw(terminal.fd)
-        monitor = terminal.start(self.command(), stdin=subprocess.PIPE)
-        monitor.stdin.write(script)
-        monitor.stdin.flush()
-        terminal.screen.shows(pipe)
         self.assertEqual(monitor.wait(support.DEADLINE), 0)
 
 

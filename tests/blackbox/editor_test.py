@@ -1,6 +1,5 @@
 """The line editor of virtual-board on a terminal: keys in, bytes out."""
 
-import time
 import unittest
 
 import support
@@ -131,29 +130,6 @@ class KeptDelete(EditorTest):
         self.start("--keep-delete")
         self.press(b"a" + DELETE, b"a" + DELETE)
         self.press(BACKSPACE, ERASED)
-
-
-class HangingEngine(EditorTest):
-    LONGEST = 0.5
-
-    def test_ctrl_c_ends_the_wait(self):
-        self.start("--fault", "hang:l3")
-        # The end of the echo shows that the monitor has looked at the console while it waits.
-        self.press(b"l3 0\r", b"l3 0\r\n")
-        begin = time.monotonic()
-        self.press(CTRL_C, b"L3 Read failed\n\r" + PROMPT)
-        self.assertLess(time.monotonic() - begin, self.LONGEST)
-
-    def test_typed_ahead_is_kept_without_ctrl_c(self):
-        self.start("--fault", "slow:l3:2000000")
-        self.press(b"l3 0\r", b"l3 0\r\n")
-        self.press(b"kept\r", support.EMPTY_ROUTE % 0 + PROMPT + b"kept\r\n" + UNKNOWN + PROMPT)
-
-    def test_typed_ahead_of_ctrl_c_is_discarded(self):
-        self.start("--fault", "hang:l3")
-        self.press(b"l3 0\r", b"l3 0\r\n")
-        self.press(b"lost\r" + CTRL_C + b"kept\r", b"L3 Read failed\n\r" + PROMPT)
-        self.terminal.screen.shows(b"kept\r\n" + UNKNOWN + PROMPT)
 
 
 if __name__ == "__main__":

@@ -13,17 +13,22 @@ DEVICE = os.environ.get("DEBUG_MONITOR_DEVICE", "/dev/kmem")
 WINDOW = int(os.environ.get("DEBUG_MONITOR_WINDOW", "0x40000000"), 0)
 WINDOW_SIZE = 0x2000
 
-# Arguments: what the device is, a path or nothing; the program and its arguments.
-ENTER = (
-    'mount -t tmpfs none /dev && if [ -n "$1" ]; then ln -s "$1" /dev/kmem; fi'
-    ' && shift && exec "$@"'
-)
+# What the monitor prints first.
+MAPPED = b"db:ret of mmap is 0x50000000\n"
+
+# Arguments: what the device is, a path or nothing; the command.
+ENTER = """
+mount -t tmpfs none /dev && if [ -n "$1" ]; then ln -s "$1" /dev/kmem; fi && shift && exec "$@"
+"""
 
 
-def inside(device, *program):
-    """The command that runs a program where the memory device is `device`, or absent."""
-    unshare = ["unshare", "--mount"] if os.geteuid() == 0 else ["unshare", "--mount", "-r"]
-    return [*unshare, "sh", "-c", ENTER, "sh", device, *program]
+# A mount namespace of the command's own.
+UNSHARE = ["unshare", "--mount"] if os.geteuid() == 0 else ["unshare", "--mount", "-r"]
+
+
+def inside(device, *command):
+    """The command that runs another where the memory device is `device`, or absent."""
+    return [*UNSHARE, "sh", "-c", ENTER, "sh", device, *command]
 
 
 def why_not():

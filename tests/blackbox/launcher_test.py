@@ -4,13 +4,11 @@ import os
 import shutil
 import signal
 import subprocess
-import tempfile
-import time
 import unittest
 
-import kernel_memory
+import launcher
 import support
-from support import PROMPT, START, UNKNOWN
+from support import PROMPT, UNKNOWN
 
 # Stands in for the monitor: tells that it runs and its number, takes a line, ends with it.
 MONITOR = """#!/bin/sh
@@ -20,37 +18,18 @@ exit "$line"
 """
 
 
-class LauncherTest(unittest.TestCase):
-    def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.folder = folder.name
-        self.launcher = os.path.join(self.folder, "debug-monitor-console")
-        shutil.copy(support.program("LAUNCHER"), self.launcher)
-        self.terminal = support.Terminal(self)
-        self.before = self.terminal.settings()
-
-    def install(self, folder, text=MONITOR):
-        path = os.path.join(folder, "debug-monitor")
-        with open(path, "w", encoding="ascii") as file:
-            file.write(text)
-        os.chmod(path, 0o755)
-
+class StandInTest(launcher.LauncherTest):
     def start(self, **options):
         """Starts the launcher and waits for the monitor; the monitor's process number."""
         self.terminal.start([self.launcher], **options)
         self.terminal.screen.until(b"running ")
         return int(self.terminal.screen.until(b"\n"))
 
-    def expect_end(self, status):
-        self.assertEqual(self.terminal.status(), status)
-        self.assertEqual(self.terminal.settings(), self.before)
 
-
-class Terminal(LauncherTest):
+class Terminal(StandInTest):
     def setUp(self):
         super().setUp()
-        self.install(self.folder)
+        self.install(self.folder, MONITOR)
 
     def test_is_set_and_restored_and_the_status_passed_on(self):
         self.start()
@@ -80,14 +59,14 @@ class Terminal(LauncherTest):
         self.assertEqual(done.stderr, b"")
 
 
-class Search(LauncherTest):
+class Search(StandInTest):
     def environment(self, *folders):
         return {**os.environ, "PATH": os.pathsep.join([*folders, os.environ["PATH"]])}
 
     def test_in_path(self):
         other = os.path.join(self.folder, "a folder")
         os.mkdir(other)
-        self.install(other)
+        self.install(other, MONITOR)
         self.start(env=self.environment(other))
         self.terminal.type(b"3\r")
         self.expect_end(3)
@@ -96,7 +75,7 @@ class Search(LauncherTest):
         other = os.path.join(self.folder, "other")
         os.mkdir(other)
         self.install(other, "#!/bin/sh\nexit 1\n")
-        self.install(self.folder)
+        self.install(self.folder, MONITOR)
         self.start(env=self.environment(other))
         self.terminal.type(b"4\r")
         self.expect_end(4)
@@ -107,25 +86,10 @@ class Search(LauncherTest):
         self.expect_end(127)
 
 
-class RealMonitor(LauncherTest, kernel_memory.KernelMemoryTest):
-    """The launcher starts the real program in its namespace."""
-
-    def setUp(self):
-        LauncherTest.setUp(self)
-        kernel_memory.KernelMemoryTest.setUp(self)
-        self.launcher = os.path.join(self.folder, "debug-monitor-console")
-        shutil.copy(support.program("LAUNCHER"), self.launcher)
-
-    def install_monitor(self, device):
-        command = kernel_memory.inside(device, support.program("DEBUG_MONITOR"))
-        words = " ".join("'" + word + "'" for word in command)
-        self.install(self.folder, f"#!/bin/sh\nexec {words}\n")
-
+class RealMonitor(launcher.RealMonitorTest):
     def test_session(self):
-        self.install_monitor(self.path)
-        self.terminal.start([self.launcher])
+        self.start_monitor()
         screen = self.terminal.screen
-        screen.shows(b"db:ret of mmap is 0x50000000\n" + START)
         self.terminal.type(b"ab\x08c\x03\r")
         screen.shows(b"ab\b \bc\x03\r\n" + PROMPT)
         self.terminal.type(b"zz\r")
@@ -133,19 +97,6 @@ class RealMonitor(LauncherTest, kernel_memory.KernelMemoryTest):
         self.terminal.type(b"exit\r")
         screen.shows(b"exit\r\n")
         self.expect_end(0)
-
-    def test_ctrl_c_ends_a_wait(self):
-        self.install_monitor(self.path)
-        self.store(0x60D, b"\x03")
-        self.terminal.start([self.launcher])
-        screen = self.terminal.screen
-        screen.shows(b"db:ret of mmap is 0x50000000\n" + START)
-        self.terminal.type(b"l3 0\r")
-        screen.shows(b"l3 0\r\n")
-        begin = time.monotonic()
-        self.terminal.type(b"\x03")
-        screen.shows(b"L3 Read failed\n\r" + PROMPT)
-        self.assertLess(time.monotonic() - begin, 0.5)
 
     def test_no_device(self):
         self.install_monitor("")

@@ -88,15 +88,6 @@ class Clients(PtyTest):
         os.write(client, b"x\x7f")
         screen.shows(b"x\x7f")
 
-    def test_ctrl_c_ends_a_wait(self):
-        self.start("--fault", "hang:l3")
-        client, screen = self.open()
-        self.addCleanup(os.close, client)
-        os.write(client, b"l3 0\r")
-        screen.shows(START + b"l3 0\r\n")
-        os.write(client, b"\x03")
-        screen.shows(b"L3 Read failed\n\r" + PROMPT)
-
 
 class Link(PtyTest):
     def test_removed_when_a_signal_ends_the_board(self):

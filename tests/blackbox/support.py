@@ -91,6 +91,13 @@ class Screen:
         self.test.fail(f"at byte {at}:\n  wanted {wanted[part]}\n  got    {got[part]}")
 
 
+def on_terminal(fd):
+    """In the child: a session of its own, whose terminal is that of the descriptor."""
+    die_quietly()
+    os.setsid()
+    os.close(os.open(os.ttyname(fd), os.O_RDWR))
+
+
 class Terminal:
     """A terminal whose user is the test. Both sides stay open, so that its settings can be seen
     before, during and after a program's run."""
@@ -105,15 +112,11 @@ class Terminal:
 
     def start(self, arguments, **options):
         """Starts a program as the terminal's foreground job; streams can be sent elsewhere."""
-
-        def own_terminal():
-            die_quietly()
-            os.setsid()
-            os.close(os.open(os.ttyname(self.fd), os.O_RDWR))
-
         streams = {"stdin": self.fd, "stdout": self.fd, "stderr": self.fd, **options}
         # pylint: disable=consider-using-with
-        self.process = subprocess.Popen(arguments, preexec_fn=own_terminal, **streams)
+        self.process = subprocess.Popen(
+            arguments, preexec_fn=lambda: on_terminal(self.fd), **streams
+        )
         self.test.addCleanup(end, self.process)
         return self.process
 
