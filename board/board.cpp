@@ -4,6 +4,7 @@
 
 #include <cerrno>
 #include <chrono>
+#include <csignal>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -43,12 +44,19 @@ Board::Board(const Options& options) {
   };
   chip_.clock = MonotonicNanoseconds;
   chip::Attach(chip_);
-  chip_.gpio.SetInputs(options.gpio_inputs);
-  world_.emplace(chip_, options.world);
+  if (options.save_file) state_file_.emplace(*options.save_file);
+  if (options.load_file) LoadStateFile(*options.load_file, chip_);
+  if (options.gpio_inputs) chip_.gpio.SetInputs(*options.gpio_inputs);
+  WorldSetup world = options.world;
+  world.keep_settings = options.load_file.has_value();
+  world_.emplace(chip_, world);
   if (options.uart_file) OpenUart(*options.uart_file);
   if (options.pty_link) pseudo_terminal_.emplace(*options.pty_link);
   if (options.trace_file) OpenTrace(*options.trace_file);
   OpenConsole(options.keep_delete);
+  if (!state_file_) return;
+  end_signals_.emplace();
+  world_->Watch(end_signals_->Fd());
 }
 
 void Board::OpenTrace(const std::string& path) { trace_.emplace(path).Watch(chip_); }
@@ -81,17 +89,37 @@ void Board::OpenConsole(bool keep_delete) {
   }
   if (!pseudo_terminal_) setup.at_end_of_input = EndOfInput;
   setup.before_wait = [] { g_board->BeforeWait(); };
+  if (state_file_) setup.between_steps = [] { g_board->EndWhenSignalled(); };
   monitor::ConsoleOpen(setup);
 }
 
 int Board::Finish() {
   world_->Flush();
-  bool failed = world_->Failed() || !uart_;
+  bool failed = !Save() || world_->Failed() || !uart_;
   if (trace_) {
     trace_->Flush();
     failed = failed || trace_->Failed();
   }
   return failed ? EXIT_FAILURE : EXIT_SUCCESS;
+}
+
+bool Board::Save() {
+  if (!state_file_) return true;
+  try {
+    state_file_->Save(chip_);
+    return true;
+  } catch (const std::exception& error) {
+    Report(error.what());
+    return false;
+  }
+}
+
+void Board::EndWhenSignalled() {
+  const int signal = end_signals_->Pending();
+  if (signal == 0) return;
+  const int status = Finish();
+  if (status != EXIT_SUCCESS) std::exit(status);
+  std::raise(signal);
 }
 
 bool Board::FramesPending() const { return world_->Pending(); }

@@ -3,9 +3,11 @@
 #include <fstream>
 #include <optional>
 
+#include "board/end_signals.h"
 #include "board/options.h"
 #include "board/ports/world.h"
 #include "board/pseudo_terminal.h"
+#include "board/state/state_file.h"
 #include "board/terminal.h"
 #include "board/trace.h"
 #include "chip/router_chip.h"
@@ -22,7 +24,8 @@ class Board {
   Board(const Board&) = delete;
   Board& operator=(const Board&) = delete;
 
-  /// The program's exit status: 1 when something that was asked for could not be read or written.
+  /// Saves what was asked for. The program's exit status: 1 when something that was asked for
+  /// could not be read or written.
   [[nodiscard]] int Finish();
 
   /// True while captures still have frames that the packet service would take.
@@ -31,6 +34,9 @@ class Board {
   /// Lets frames in that have come from outside.
   void PollWorld();
 
+  /// Ends the program when a signal asks for that and the state has to be saved first.
+  void EndWhenSignalled();
+
   /// To be called before the monitor waits for input.
   void BeforeWait();
 
@@ -38,6 +44,7 @@ class Board {
   void OpenTrace(const std::string& path);
   void OpenUart(const std::string& path);
   void OpenConsole(bool keep_delete);
+  [[nodiscard]] bool Save();
 
   chip::RouterChip chip_;
   std::optional<PseudoTerminal> pseudo_terminal_;
@@ -45,6 +52,8 @@ class Board {
   std::ofstream uart_;
   std::optional<World> world_;
   std::optional<RawTerminal> terminal_;
+  std::optional<StateFile> state_file_;
+  std::optional<EndSignals> end_signals_;
 };
 
 }  // namespace board

@@ -79,6 +79,12 @@ void Describe(CLI::App& app, Options& options) {
          "Levels of the general-purpose pins, 0 to ff")
       ->type_name("HEX")
       ->check(CheckArgument, "");
+  app.add_option("--load", options.load_file, "Start with the state in FILE")
+      ->type_name("FILE")
+      ->check(CheckArgument, "");
+  app.add_option("--save", options.save_file, "Leave the state in FILE at the end")
+      ->type_name("FILE")
+      ->check(CheckArgument, "");
   app.add_flag("--keep-delete", options.keep_delete, "Do not turn Delete into backspace");
 }
 

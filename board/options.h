@@ -16,14 +16,16 @@ struct UsageError : std::runtime_error {
 
 /// What the command line asks for.
 struct Options {
-  std::optional<std::string> pty_link;    ///< Console on a pseudo-terminal under this link.
-  std::optional<std::string> trace_file;  ///< Every bus access goes there.
-  std::vector<std::string> faults;        ///< As SetFault takes them.
-  WorldSetup world;                       ///< What the ports are connected to.
-  std::optional<std::string> uart_file;   ///< What the UART sends goes there.
-  std::uint8_t gpio_inputs = 0;           ///< Levels of the general-purpose pins.
-  bool keep_delete = false;               ///< The Delete key is not a backspace.
-  std::optional<std::string> answer;      ///< Text of --help or --version, instead of a run.
+  std::optional<std::string> pty_link;      ///< Console on a pseudo-terminal under this link.
+  std::optional<std::string> trace_file;    ///< Every bus access goes there.
+  std::vector<std::string> faults;          ///< As SetFault takes them.
+  WorldSetup world;                         ///< What the ports are connected to.
+  std::optional<std::string> uart_file;     ///< What the UART sends goes there.
+  std::optional<std::uint8_t> gpio_inputs;  ///< Levels of the general-purpose pins.
+  std::optional<std::string> load_file;     ///< The state to start with.
+  std::optional<std::string> save_file;     ///< The state goes there at the end.
+  bool keep_delete = false;                 ///< The Delete key is not a backspace.
+  std::optional<std::string> answer;        ///< Text of --help or --version, instead of a run.
 };
 
 /// Reads the command line. Throws UsageError.

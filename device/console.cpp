@@ -82,6 +82,10 @@ std::size_t ReadWaiting(char* text, std::size_t room) {
   return 0;
 }
 
+void BetweenSteps() {
+  if (g_setup.between_steps != nullptr) g_setup.between_steps();
+}
+
 /// Discards the input up to and including a Ctrl-C; false, with the input kept, without one.
 bool DiscardToCtrlC() {
   const void* const found = memchr(g_input + g_input_begin, kCtrlC, g_input_end - g_input_begin);
@@ -129,6 +133,7 @@ void WriteAll(const char* text, std::size_t count) {
 void ConsoleOpen(const ConsoleSetup& setup) { g_setup = setup; }
 
 int ConsoleReadChar() {
+  BetweenSteps();
   if (g_input_begin == g_input_end) {
     if (g_passes_to_look != 0) {
       --g_passes_to_look;
@@ -181,6 +186,7 @@ void ConsoleWait(long microseconds) {
 }
 
 bool ConsoleInterrupted() {
+  BetweenSteps();
   ConsoleFlush();
   if (isatty(g_setup.input) == 0) return false;
   if (g_input_begin != 0) {

@@ -14,6 +14,8 @@ struct ConsoleSetup {
   void (*on_watched)() = nullptr;       ///< after which this is called.
   bool (*only_events)() = nullptr;      ///< True: input and `watched` tell of all that can happen,
                                         ///< so a wait needs no time limit.
+  void (*between_steps)() = nullptr;    ///< Called often, also in long waits on hardware, and
+                                        ///< never in the middle of an access to the chip.
   void (*at_end_of_input)() = nullptr;  ///< Called when the monitor waits for input that has ended.
 };
 
