@@ -12,8 +12,7 @@ namespace {
 
 constexpr char kFormat[] = "virtual-board state";
 
-/// Goes up with every change of the format. A state of a lower version is still read; this is the
-/// first.
+/// Goes up with every change of the format. Lower versions have to be read too; this is the first.
 constexpr unsigned kVersion = 1;
 
 /// What the monitor keeps from one command to the next and a command shows or follows.
