@@ -190,7 +190,8 @@ class Restart(StateTest):
         shown = self.run_board(b"reg 603\nreg 60d\nreg 603\n", "--load", self.path("saved"))
         self.assertIn(b"603\r\n50000600: .. .. .. 00 ", shown)
         self.assertIn(b"60d\r\n50000600:" + 13 * b" .." + b" 07 ", shown)
-        self.assertTrue(shown.endswith(b"50000600: .. .. .. 09" + 12 * b" .." + b" \n\r" + support.PROMPT))
+        row = b"50000600: .. .. .. 09" + 12 * b" .." + b" \n\r"
+        self.assertTrue(shown.endswith(row + support.PROMPT))
 
     def test_settings_of_the_monitor(self):
         self.save(b"frame r = forward\narp auto\n")

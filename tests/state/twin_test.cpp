@@ -119,7 +119,7 @@ class Twins : public testing::Test {
   }
 
   void Happen() {
-    switch (random.Below(7)) {
+    switch (random.Below(8)) {
       case 0: {
         const std::vector<std::uint8_t> frame(random.Below(1600),
                                               static_cast<std::uint8_t>(random.Below(256)));
@@ -146,11 +146,30 @@ class Twins : public testing::Test {
       }
       case 5:
         return AccessMii();
+      case 6:
+        return Both([](Board& board) {
+          board.chip.l3.overflow.fill(0xFF);
+          board.chip.mcast.overflow.fill(0xFF);
+          board.chip.arp.reference.fill(0xFF);
+          board.chip.classifier.overflow.fill(0xFF);
+          board.chip.stat_counters.overflow.fill(0x0FFFFFFF);
+        });
       default: {
         const std::uint32_t passed = random.Below(random.OneIn(2) ? 3000 : 1'000'000'000);
         return Both([&](Board& board) { board.now += passed; });
       }
     }
+  }
+
+  /// Writes an entry with something in every field.
+  void Fill(const Block& block) {
+    for (std::uint32_t at = block.first; at < block.past_last; ++at) {
+      if (at != block.command) Store(at, 1, random.Below(256));
+    }
+    // The session tables keep switches beside the index.
+    if (block.first < 0xA00) Store(block.index, 1, random.Below(4));
+    StoreCommand(block, block.write);
+    Finish(block);
   }
 
   void Step(const Block& focus) {
@@ -203,6 +222,9 @@ TEST_F(Twins, DoTheSame) {
     SCOPED_TRACE(round);
     const Block& focus = kBlocks[random.Below(std::size(kBlocks))];
     second.reset();
+    for (const Block& block : kBlocks) {
+      if (block.command != 0) Fill(block);
+    }
     for (unsigned i = 0; i < kSteps; ++i) Step(focus);
     Reload();
     for (unsigned i = 0; i < kSteps && !HasFatalFailure(); ++i) Step(focus);
