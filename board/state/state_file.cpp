@@ -42,7 +42,7 @@ std::string ReadAll(const std::string& path) {
     if (got < 0) Fail(doing, path);
     text.append(piece.data(), static_cast<std::size_t>(got));
     if (text.size() > kLongestText) {
-      throw std::runtime_error(doing + " '" + path + "': it is longer than any state");
+      throw StateError("cannot load the state '" + path + "': it is longer than any state");
     }
   }
 }
