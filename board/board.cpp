@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
+#include <csignal>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -60,13 +61,20 @@ Board::Board(const Options& options) : options_(options) {
   };
   chip_.clock = MonotonicNanoseconds;
   chip::Attach(chip_);
-  chip_.gpio.SetInputs(options.gpio_inputs);
-  world_.emplace(chip_, options.world);
+  if (options.save_file) state_file_.emplace(*options.save_file);
+  if (options.load_file) LoadStateFile(*options.load_file, chip_);
+  if (options.gpio_inputs) chip_.gpio.SetInputs(*options.gpio_inputs);
+  WorldSetup world = options.world;
+  world.keep_settings = options.load_file.has_value();
+  world_.emplace(chip_, world);
   if (options.uart_file) OpenUart(*options.uart_file);
   if (options.pty_link) pseudo_terminal_.emplace(*options.pty_link);
   if (options.trace_file) OpenTrace(*options.trace_file);
   if (!options.commands.empty()) script_ = MakeScript(options.commands);
   OpenConsole(options.keep_delete);
+  if (!state_file_) return;
+  end_signals_.emplace();
+  world_->Watch(end_signals_->Fd());
 }
 
 void Board::OpenTrace(const std::string& path) { trace_.emplace(path).Watch(chip_); }
@@ -103,18 +111,24 @@ void Board::OpenConsole(bool keep_delete) {
   setup.before_wait = [] { g_board->BeforeWait(); };
   if (options_.plain) setup.leaves_out = [](char c) { return g_board->LeavesOut(c); };
   setup.on_long_wait = [] { g_board->TellOfLongWait(); };
+  if (state_file_) setup.between_steps = [] { g_board->EndWhenSignalled(); };
   monitor::ConsoleOpen(setup);
 }
 
 int Board::Finish() {
+  const bool written = WriteAll();
+  const int status = StatusOfLines();
+  return written ? status : EXIT_FAILURE;
+}
+
+bool Board::WriteAll() {
   world_->Flush();
-  bool failed = world_->Failed() || !uart_;
+  bool failed = !Save() || world_->Failed() || !uart_;
   if (trace_) {
     trace_->Flush();
     failed = failed || trace_->Failed();
   }
-  const int status = StatusOfLines();
-  return failed ? EXIT_FAILURE : status;
+  return !failed;
 }
 
 int Board::StatusOfLines() const {
@@ -139,6 +153,24 @@ void Board::TellOfLongWait() const {
   Report("'" + progress_.Doing() + "' " + DescribeWait(awaited) +
          (terminal ? "; Ctrl-C ends the wait"
                    : "; without a terminal only the end of the program ends it"));
+}
+
+bool Board::Save() {
+  if (!state_file_) return true;
+  try {
+    state_file_->Save(chip_);
+    return true;
+  } catch (const std::exception& error) {
+    Report(error.what());
+    return false;
+  }
+}
+
+void Board::EndWhenSignalled() {
+  const int signal = end_signals_->Pending();
+  if (signal == 0) return;
+  if (!WriteAll()) std::exit(EXIT_FAILURE);
+  std::raise(signal);
 }
 
 bool Board::FramesPending() const { return world_->Pending(); }

@@ -3,11 +3,13 @@
 #include <fstream>
 #include <optional>
 
+#include "board/end_signals.h"
 #include "board/options.h"
 #include "board/ports/descriptor.h"
 #include "board/ports/world.h"
 #include "board/progress.h"
 #include "board/pseudo_terminal.h"
+#include "board/state/state_file.h"
 #include "board/terminal.h"
 #include "board/trace.h"
 #include "chip/router_chip.h"
@@ -24,8 +26,8 @@ class Board {
   Board(const Board&) = delete;
   Board& operator=(const Board&) = delete;
 
-  /// The program's exit status: 1 when something that was asked for could not be read or written,
-  /// else that of the lines where the options want it.
+  /// Saves what was asked for. The program's exit status: 1 when something that was asked for could
+  /// not be read or written, else that of the lines where the options want it.
   [[nodiscard]] int Finish();
 
   /// Follows what the monitor's shell does.
@@ -40,6 +42,9 @@ class Board {
   /// Lets frames in that have come from outside.
   void PollWorld();
 
+  /// Ends the program when a signal asks for that and the state has to be saved first.
+  void EndWhenSignalled();
+
   /// To be called before the monitor waits for input.
   void BeforeWait();
 
@@ -50,6 +55,9 @@ class Board {
   /// True for output that is no answer, and for what a plain line end has not.
   [[nodiscard]] bool LeavesOut(char c) const { return c == '\r' || progress_.Doing().empty(); }
   [[nodiscard]] int StatusOfLines() const;
+  /// False when something could not be read or written.
+  [[nodiscard]] bool WriteAll();
+  [[nodiscard]] bool Save();
 
   const Options& options_;
   Progress progress_;
@@ -60,6 +68,8 @@ class Board {
   std::ofstream uart_;
   std::optional<World> world_;
   std::optional<RawTerminal> terminal_;
+  std::optional<StateFile> state_file_;
+  std::optional<EndSignals> end_signals_;
 };
 
 }  // namespace board

@@ -111,6 +111,12 @@ void Describe(CLI::App& app, Options& options) {
   app.add_flag("--registers{text}", options.registers,
                "Print the register map and exit: --registers, --registers=svd (CMSIS-SVD) or "
                "--registers=json");
+  app.add_option("--load", options.load_file, "Start with the state in FILE")
+      ->type_name("FILE")
+      ->check(CheckArgument, "");
+  app.add_option("--save", options.save_file, "Leave the state in FILE at the end")
+      ->type_name("FILE")
+      ->check(CheckArgument, "");
   app.add_flag("--keep-delete", options.keep_delete, "Do not turn Delete into backspace");
 }
 

@@ -87,4 +87,15 @@ void Engine::Publish() {
   registers_.Set(command_, static_cast<std::uint8_t>(own | shown));
 }
 
+void Engine::State(StateArchive& archive) {
+  archive.Group("engine", [&] {
+    archive.Hex("status", status_, StatusBits());
+    archive.Hex("started", started_);
+    archive.Count("loads_left", loads_left_);
+  });
+  if (!archive.Loading()) return;
+  SetLoadsLeft(loads_left_);
+  Publish();
+}
+
 }  // namespace chip

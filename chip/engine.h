@@ -52,6 +52,7 @@ class Engine {
   [[nodiscard]] const std::string& Name() const { return name_; }
   void SetFault(Fault fault);
   void Reset();
+  void State(StateArchive& archive);
 
   /// Told of every store to the command byte, for bits in it that are not the engine's.
   std::function<void(std::uint8_t stored)> on_store;

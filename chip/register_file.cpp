@@ -153,4 +153,36 @@ void RegisterFile::ForgetComplaints() {
   hole_accesses_.fill(0);
 }
 
+void RegisterFile::State(StateArchive& archive) {
+  archive.Group("registers", [&] {
+    for (std::uint32_t offset = 0; offset < kSize; ++offset) {
+      if (row_at_[offset] == kUnclaimed) continue;
+      const Row& row = rows_[row_at_[offset]];
+      if (row.offset != offset) continue;
+      const std::string key = Hex(offset).append(" ").append(row.name);
+      const std::uint32_t reset = row.behaviour.reset;
+      if (archive.Omits(key, Assemble(offset, row.width) == reset)) {
+        Disassemble(offset, row.width, reset);
+      } else {
+        archive.Bytes(key, std::span(bytes_).subspan(offset, row.width));
+      }
+    }
+  });
+  HoleState(archive);
+}
+
+/// Bytes that no register claims.
+void RegisterFile::HoleState(StateArchive& archive) {
+  archive.Group("no_register", [&] {
+    for (std::uint32_t offset = 0; offset < kSize; ++offset) {
+      if (row_at_[offset] != kUnclaimed) continue;
+      if (archive.Omits(Hex(offset), bytes_[offset] == 0)) {
+        bytes_[offset] = 0;
+      } else {
+        archive.Hex(Hex(offset), bytes_[offset]);
+      }
+    }
+  });
+}
+
 }  // namespace chip

@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "chip/state.h"
 #include "core/registers.h"
 
 namespace chip {
@@ -94,6 +95,9 @@ class RegisterFile {
   /// Every register back to its power-on value.
   void Reset();
 
+  /// What every byte of the window holds.
+  void State(StateArchive& archive);
+
   /// Every byte of the window as stored, in order of offset.
   [[nodiscard]] std::span<const std::uint8_t, kSize> Snapshot() const { return bytes_; }
 
@@ -166,6 +170,7 @@ class RegisterFile {
   void StoreToRow(const Row& row, std::uint32_t offset, std::uint32_t reach, std::uint32_t value);
   void ComplainOfStore(const Row& row, std::uint32_t offset);
   void ComplainOfHole(std::uint32_t offset);
+  void HoleState(StateArchive& archive);
 
   std::vector<Row> rows_;
   std::array<std::uint16_t, kSize> row_at_;

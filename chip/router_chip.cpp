@@ -43,6 +43,26 @@ void RouterChip::Reset() {
   pxt.Reset();
 }
 
+void RouterChip::State(StateArchive& archive) {
+  // What the registers show of a block follows the block, so they come first.
+  registers.State(archive);
+  archive.Group("reset", [&] { reset.State(archive); });
+  archive.Group("timers", [&] { timers.State(archive); });
+  archive.Group("gpio", [&] { gpio.State(archive); });
+  archive.Group("uart", [&] { uart.State(archive); });
+  archive.Group("mii", [&] { mii.State(archive); });
+  archive.Group("stat_counters", [&] { stat_counters.State(archive); });
+  archive.Group("frames", [&] { frames.State(archive); });
+  archive.Group("nat", [&] { nat.State(archive); });
+  archive.Group("l3", [&] { l3.State(archive); });
+  archive.Group("mcast", [&] { mcast.State(archive); });
+  archive.Group("arp", [&] { arp.State(archive); });
+  archive.Group("classifier", [&] { classifier.State(archive); });
+  archive.Group("pst", [&] { pst.State(archive); });
+  archive.Group("pdr", [&] { pdr.State(archive); });
+  archive.Group("pxt", [&] { pxt.State(archive); });
+}
+
 std::vector<Engine*> RouterChip::Engines() {
   return {
       &stat_counters.engine, &frames.transmit, &frames.status, &frames.release,

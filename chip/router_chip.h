@@ -35,6 +35,10 @@ class RouterChip {
   /// Power-on state of every register and block.
   void Reset();
 
+  /// Everything but what lies outside: faults, the clock, who watches, complaints. When replacing
+  /// throws, part of the state has been replaced.
+  void State(StateArchive& archive);
+
   /// Every engine, for faults.
   [[nodiscard]] std::vector<Engine*> Engines();
 

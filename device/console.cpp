@@ -94,6 +94,10 @@ std::size_t ReadWaiting(char* text, std::size_t room) {
   return 0;
 }
 
+void BetweenSteps() {
+  if (g_setup.between_steps != nullptr) g_setup.between_steps();
+}
+
 /// Discards the input up to and including a Ctrl-C; false, with the input kept, without one.
 bool DiscardToCtrlC() {
   const void* const found = memchr(g_input + g_input_begin, kCtrlC, g_input_end - g_input_begin);
@@ -153,6 +157,7 @@ void Queue(const char* text, std::size_t count) {
 void ConsoleOpen(const ConsoleSetup& setup) { g_setup = setup; }
 
 int ConsoleReadChar() {
+  BetweenSteps();
   if (g_input_begin == g_input_end) {
     if (g_passes_to_look != 0) {
       --g_passes_to_look;
@@ -204,6 +209,7 @@ void ConsoleWait(long microseconds) {
 }
 
 bool ConsoleInterrupted() {
+  BetweenSteps();
   ConsoleFlush();
   if (g_setup.on_long_wait != nullptr) g_setup.on_long_wait();
   if (isatty(g_setup.input) == 0) return false;

@@ -6,6 +6,9 @@
 #include "system/interrupt.h"
 
 namespace monitor {
+
+std::uint8_t TransmitCursor = 1;
+
 namespace {
 
 constexpr unsigned kHighestClass = 3;
@@ -15,9 +18,6 @@ constexpr int kTransmitDelayLoads = 99;
 
 constexpr unsigned kStatusPause = 5;
 constexpr unsigned kReleasePause = 100;
-
-/// The transmit handle that AllocTxBuffer tries next; one past the last after a failure.
-std::uint8_t g_transmit_cursor = 1;
 
 /// Transmit buffers in use, handle h in bit h - 1. Nothing sets a bit: the chip's count of uses
 /// tells which buffers are free.
@@ -111,16 +111,16 @@ DriverStatus TxBufferStatus(std::uint32_t data, std::uint8_t& count) {
 DriverStatus AllocTxBuffer(std::uint32_t& data) {
   bool wrapped = false;
   for (;;) {
-    data = FrameDataAddress(Read(kBufferBase), g_transmit_cursor);
+    data = FrameDataAddress(Read(kBufferBase), TransmitCursor);
     std::uint8_t count;
     // Handle 0 is never tried, so a failure means that the operator gave up.
     if (Failed(TxBufferStatus(data, count))) return DriverStatus::kNotReady;
     // The end of the second round comes before the look at the count: a last buffer that is
     // free is not found.
-    if (++g_transmit_cursor > kLastTransmitHandle) {
+    if (++TransmitCursor > kLastTransmitHandle) {
       if (wrapped) return DriverStatus::kNotReady;
       wrapped = true;
-      g_transmit_cursor = 1;
+      TransmitCursor = 1;
     }
     if (count == 0) return DriverStatus::kOk;
   }

@@ -46,6 +46,9 @@ DriverStatus WriteBufferBase(std::uint16_t base);
 /// not count: one is taken off, so that 0 becomes 255. kRefused for handle 0.
 [[nodiscard]] DriverStatus TxBufferStatus(std::uint32_t data, std::uint8_t& count);
 
+/// The transmit handle that AllocTxBuffer tries next; one past the last (16) after a failure.
+extern std::uint8_t TransmitCursor;
+
 /// Finds a free transmit buffer, round robin. kNotReady when there is none; `data` is then the
 /// last one tried.
 [[nodiscard]] DriverStatus AllocTxBuffer(std::uint32_t& data);

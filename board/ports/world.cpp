@@ -35,7 +35,7 @@ World::World(chip::RouterChip& chip, const WorldSetup& setup)
   for (unsigned port = 0; port < ports_.size(); ++port) {
     ports_[port] = OpenPort(setup.ports[port], setup.options);
     if (!ports_[port]) continue;
-    chip_.registers.Set(monitor::kMacControl[port], kPortUp);
+    if (!setup.keep_settings) chip_.registers.Set(monitor::kMacControl[port], kPortUp);
     Attend(port);
   }
   chip_.frames.on_transmit = [this](unsigned port, std::span<const std::uint8_t> frame) {
@@ -95,7 +95,10 @@ void World::Attend(unsigned port) {
   // One that was closed has left the set by itself.
   if (watched_[port] >= 0) epoll_ctl(watch_.Get(), EPOLL_CTL_DEL, watched_[port], nullptr);
   watched_[port] = fd;
-  if (fd < 0) return;
+  if (fd >= 0) Watch(fd);
+}
+
+void World::Watch(int fd) {
   epoll_event event{};
   event.events = EPOLLIN;
   epoll_ctl(watch_.Get(), EPOLL_CTL_ADD, fd, &event);

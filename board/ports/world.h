@@ -17,7 +17,8 @@ namespace board {
 struct WorldSetup {
   std::array<std::string, 3> ports{"none", "none", "none"};  ///< WAN, LAN, DMZ.
   PortOptions options;
-  std::string capture;  ///< File that records every port; empty for none.
+  std::string capture;         ///< File that records every port; empty for none.
+  bool keep_settings = false;  ///< The chip's ports have been set, so a boot loader sets nothing.
 };
 
 class World {
@@ -41,6 +42,9 @@ class World {
 
   /// Descriptor that is readable when Poll has something to do.
   [[nodiscard]] int WatchedFd() const { return watch_.Get(); }
+
+  /// Makes WatchedFd readable when `fd` is.
+  void Watch(int fd);
 
   /// True while captures still have frames for a port that is up, or frames wait for the CPU.
   [[nodiscard]] bool Pending() const;

@@ -106,4 +106,37 @@ void Classifier::ApplyOverflow() {
   }
 }
 
+void Classifier::State(StateArchive& archive) {
+  archive.Table("rules", entries, [&](Entry& entry) {
+    archive.Hex("ether_type", entry.ether_type);
+    archive.Hex("protocol", entry.protocol);
+    archive.Hex("ds", entry.ds);
+    archive.Hex("sip", entry.sip);
+    archive.Hex("sip_mask", entry.sip_mask);
+    archive.Hex("dip", entry.dip);
+    archive.Hex("dip_mask", entry.dip_mask);
+    archive.Hex("sport", entry.sport);
+    archive.Hex("dport", entry.dport);
+    archive.Hex("flags1", entry.flags1);
+    archive.Hex("flags2", entry.flags2);
+    archive.Hex("control", entry.control);
+    archive.Bytes("smac", entry.smac);
+    archive.Bytes("dmac", entry.dmac);
+    archive.Hex("vlan", entry.vlan);
+    archive.Hex("sp_mask", entry.sp_mask);
+    archive.Hex("dp_mask", entry.dp_mask);
+    archive.Hex("flags3", entry.flags3);
+    archive.Hex("extended_valid", entry.extended_valid);
+    archive.Hex("desired_vlan", entry.desired_vlan);
+    archive.Count("counter", entry.counter);
+  });
+  archive.Bytes("overflow", overflow);
+  archive.Group("stored_since_start", [&] {
+    archive.Flag("rule", stored_.rule);
+    archive.Flag("counter", stored_.counter);
+    archive.Flag("overflow", stored_.overflow);
+  });
+  engine.State(archive);
+}
+
 }  // namespace chip

@@ -39,6 +39,8 @@ class Classifier {
     std::uint8_t extended_valid = 0;
     std::uint16_t desired_vlan = 0;
     std::uint32_t counter = 0;
+
+    bool operator==(const Entry&) const = default;
   };
 
   explicit Classifier(RegisterFile& registers);
@@ -46,6 +48,7 @@ class Classifier {
   Classifier& operator=(const Classifier&) = delete;
 
   void Reset();
+  void State(StateArchive& archive);
 
   /// Raises the rule's overflow bit, if it has one.
   void SetOverflow(unsigned index);

@@ -232,4 +232,72 @@ void FrameEngine::ReturnIfUnused(std::uint8_t handle) {
   pool_.push_back(handle);
 }
 
+void FrameEngine::State(StateArchive& archive) {
+  std::deque<std::uint8_t> held;
+  for (unsigned handle = 0; handle < kBuffers; ++handle) {
+    if (buffers_[handle].held) held.push_back(static_cast<std::uint8_t>(handle));
+  }
+  archive.Queue("pool", pool_);
+  archive.Queue("held", held);
+  archive.Queue("received", received_);
+  archive.Group("queues", [&] { QueueState(archive); });
+  archive.Flag("acknowledging", acknowledging_);
+  memory.State(archive);
+  archive.Group("transmit", [&] { transmit.State(archive); });
+  archive.Group("status", [&] { status.State(archive); });
+  archive.Group("release", [&] { release.State(archive); });
+  if (!archive.Loading()) return;
+  RebuildBuffers(archive, held);
+  OfferNext();
+}
+
+void FrameEngine::QueueState(StateArchive& archive) {
+  constexpr const char* kNames[] = {"wan", "lan", "dmz"};
+  for (unsigned port = 0; port < kMacPorts; ++port) {
+    std::deque<Transmission>& queue = queues_[port];
+    std::size_t size = queue.size();
+    archive.EnterList(kNames[port], size, kLongestQueue);
+    queue.resize(size);
+    for (Transmission& transmission : queue) {
+      archive.EnterElement();
+      archive.Hex("handle", transmission.handle);
+      archive.Count("length", transmission.length,
+                    static_cast<std::uint16_t>(FrameStatistics::kLongestFrame));
+      archive.Require(transmission.length != 0, "length", "empty frames are not sent");
+      archive.Leave();
+    }
+    archive.Leave();
+  }
+}
+
+void FrameEngine::RebuildBuffers(StateArchive& archive, const std::deque<std::uint8_t>& held) {
+  const auto require = [&](bool holds, const char* name, unsigned handle, const char* reason) {
+    archive.Require(holds, name, "buffer " + StateArchive::HexText(handle, 2) + " " + reason);
+  };
+  buffers_.fill({});
+  for (const std::uint8_t handle : pool_) {
+    require(handle >= kFirstReceiveHandle, "pool", handle, "is no receive buffer");
+    require(!buffers_[handle].pooled, "pool", handle, "is there twice");
+    buffers_[handle].pooled = true;
+  }
+  for (const std::uint8_t handle : held) {
+    require(handle >= kFirstReceiveHandle, "held", handle, "is no receive buffer");
+    require(!buffers_[handle].pooled, "held", handle, "is in the pool too");
+    require(!buffers_[handle].held, "held", handle, "is there twice");
+    buffers_[handle].held = true;
+  }
+  for (const std::uint8_t handle : received_) {
+    require(buffers_[handle].held, "received", handle, "is not held");
+    require(!buffers_[handle].offered, "received", handle, "is there twice");
+    buffers_[handle].offered = true;
+  }
+  for (const auto& queue : queues_) {
+    for (const Transmission& transmission : queue) ++buffers_[transmission.handle].queued;
+  }
+  for (unsigned handle = kFirstReceiveHandle; handle < kBuffers; ++handle) {
+    const Buffer& buffer = buffers_[handle];
+    require(buffer.pooled || buffer.held || buffer.queued != 0, "pool", handle, "is nowhere");
+  }
+}
+
 }  // namespace chip

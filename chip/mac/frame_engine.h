@@ -33,6 +33,7 @@ class FrameEngine {
   FrameEngine& operator=(const FrameEngine&) = delete;
 
   void Reset();
+  void State(StateArchive& archive);
 
   /// A frame, without its check sequence, arrives at a port from outside (from the CPU itself on
   /// kCpuPort). False when it is lost: the port is down or looped back, the frame too long, no
@@ -84,6 +85,10 @@ class FrameEngine {
   void CountUses();
   void Release();
   void ReturnIfUnused(std::uint8_t handle);
+
+  void QueueState(StateArchive& archive);
+  /// What the other members tell about each buffer.
+  void RebuildBuffers(StateArchive& archive, const std::deque<std::uint8_t>& held);
 
   RegisterFile& registers_;
   InterruptController& interrupts_;

@@ -9,6 +9,21 @@ namespace chip {
 
 using namespace monitor;  // NOLINT: the register names
 
+namespace {
+
+/// Bytes in a row of the saved contents.
+constexpr std::size_t kRowSize = 32;
+
+/// Memory that holds nothing but zeros is not part of the state.
+bool LeavesOutZeros(StateArchive& archive, const std::string& key, std::span<std::uint8_t> bytes) {
+  const bool zeros = std::all_of(bytes.begin(), bytes.end(), [](auto byte) { return byte == 0; });
+  if (!archive.Omits(key, zeros)) return false;
+  std::fill(bytes.begin(), bytes.end(), std::uint8_t{0});
+  return true;
+}
+
+}  // namespace
+
 FrameMemory::FrameMemory(RegisterFile& registers) : registers_(registers), bytes_(kSize) {
   registers.Define(kBufferBase, {.reset = kPowerOnBase});
 }
@@ -75,6 +90,24 @@ void FrameMemory::SetHeaderLength(unsigned handle, std::uint16_t length) {
 
 std::span<std::uint8_t> FrameMemory::Frame(unsigned handle, std::size_t length) {
   return std::span(bytes_).subspan(handle * kBufferSize + kBufferHeaderSize, length);
+}
+
+void FrameMemory::State(StateArchive& archive) {
+  archive.Group("memory", [&] {
+    const auto all = std::span(bytes_);
+    for (std::size_t at = 0; at < kSize; at += kBufferSize) {
+      const auto buffer = all.subspan(at, std::min<std::size_t>(kBufferSize, kSize - at));
+      const std::string key = StateArchive::HexText(at / kBufferSize, 2);
+      if (LeavesOutZeros(archive, key, buffer)) continue;
+      archive.Group(key, [&] {
+        for (std::size_t row = 0; row < buffer.size(); row += kRowSize) {
+          const auto bytes = buffer.subspan(row, kRowSize);
+          const std::string row_key = StateArchive::HexText(row, 3);
+          if (!LeavesOutZeros(archive, row_key, bytes)) archive.Bytes(row_key, bytes);
+        }
+      });
+    }
+  });
 }
 
 }  // namespace chip

@@ -22,6 +22,7 @@ class FrameMemory {
   FrameMemory& operator=(const FrameMemory&) = delete;
 
   void Reset();
+  void State(StateArchive& archive);
 
   /// A bus load or store of 1 or 2 bytes; halfwords are in the host's byte order. An access
   /// outside the buffers is complained about and reads as all ones.

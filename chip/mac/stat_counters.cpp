@@ -8,6 +8,15 @@ using namespace monitor;  // NOLINT: the register names
 
 static_assert(StatCounters::kCounters == kStatCounterRows.size());
 
+namespace {
+
+/// The highest value of a counter.
+std::uint32_t Most(unsigned counter) {
+  return static_cast<std::uint32_t>((std::uint64_t{1} << kStatCounterRows[counter].width) - 1);
+}
+
+}  // namespace
+
 StatCounters::StatCounters(RegisterFile& registers)
     : engine(registers, "sc", kStatCommand, kTableEngineBits,
              [this](std::uint8_t command) { return Run(kEngineWrite.Get(command) != 0); }),
@@ -27,7 +36,7 @@ void StatCounters::Reset() {
 }
 
 void StatCounters::Count(unsigned port, unsigned counter, std::uint32_t amount) {
-  const std::uint64_t most = (std::uint64_t{1} << kStatCounterRows[counter].width) - 1;
+  const std::uint64_t most = Most(counter);
   const std::uint64_t sum = std::uint64_t{counters[port][counter]} + amount;
   counters[port][counter] = static_cast<std::uint32_t>(sum & most);
   if (sum > most) overflow[port] |= std::uint32_t{1} << counter;
@@ -70,6 +79,32 @@ void StatCounters::ApplyWindow(unsigned port, unsigned group) {
     counters[port][i] = row.Slice().Get(registers_.Get(in_a ? kStatWordA : kStatWordB));
   }
   if (stored_.overflow) overflow[port] &= ~registers_.Get(kStatOverflow);
+}
+
+void StatCounters::State(StateArchive& archive) {
+  constexpr const char* kNames[] = {"wan", "lan", "dmz"};
+  for (unsigned port = 0; port < kPorts; ++port) {
+    archive.Group(kNames[port], [&] { PortState(archive, port); });
+  }
+  archive.Group("stored_since_start", [&] {
+    archive.Flag("word_a", stored_.word_a);
+    archive.Flag("word_b", stored_.word_b);
+    archive.Flag("overflow", stored_.overflow);
+  });
+  engine.State(archive);
+}
+
+void StatCounters::PortState(StateArchive& archive, unsigned port) {
+  for (unsigned i = 0; i < kCounters; ++i) {
+    std::uint32_t& counter = counters[port][i];
+    const StatCounterRow& row = kStatCounterRows[i];
+    if (archive.Omits(row.name, counter == 0)) {
+      counter = 0;
+    } else {
+      archive.Count(row.name, counter, Most(i));
+    }
+  }
+  archive.Hex("overflow", overflow[port]);
 }
 
 }  // namespace chip

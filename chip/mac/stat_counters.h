@@ -18,6 +18,7 @@ class StatCounters {
   StatCounters& operator=(const StatCounters&) = delete;
 
   void Reset();
+  void State(StateArchive& archive);
 
   /// Adds `amount` to a counter (port 0 WAN, 1 LAN, 2 DMZ). A counter that passes the end of its
   /// width starts again at 0 and raises its overflow bit.
@@ -35,6 +36,7 @@ class StatCounters {
     bool overflow = false;
   };
 
+  void PortState(StateArchive& archive, unsigned port);
   bool Run(bool write);
   void LoadWindow(unsigned port, unsigned group);
   void ApplyWindow(unsigned port, unsigned group);

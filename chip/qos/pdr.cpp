@@ -41,4 +41,13 @@ bool PdrTable::Run(bool write) {
   return true;
 }
 
+void PdrTable::State(StateArchive& archive) {
+  archive.Table("entries", entries, [&](Entry& entry) {
+    archive.Hex("ip", entry.ip);
+    archive.Hex("flags", entry.flags, kExisting);
+  });
+  archive.Flag("stored_since_start", stored_);
+  engine.State(archive);
+}
+
 }  // namespace chip

@@ -15,6 +15,8 @@ class PdrTable {
   struct Entry {
     std::uint32_t ip = 0;
     std::uint8_t flags = 0;
+
+    bool operator==(const Entry&) const = default;
   };
 
   explicit PdrTable(RegisterFile& registers);
@@ -22,6 +24,7 @@ class PdrTable {
   PdrTable& operator=(const PdrTable&) = delete;
 
   void Reset();
+  void State(StateArchive& archive);
 
   std::array<Entry, kEntries> entries;
   Engine engine;

@@ -56,4 +56,15 @@ void PppoeSessionTable::ApplyWindow(Entry& entry) {
   entry.flags = registers_.Get(kPstFlags) & kSwitches;
 }
 
+void PppoeSessionTable::State(StateArchive& archive) {
+  archive.Table("entries", entries, [&](Entry& entry) {
+    archive.Hex("ip", entry.ip);
+    archive.Hex("session", entry.session);
+    archive.Hex("vlan", entry.vlan);
+    archive.Bytes("server_mac", entry.server_mac);
+    archive.Hex("flags", entry.flags, kSwitches);
+  });
+  engine.State(archive);
+}
+
 }  // namespace chip

@@ -18,6 +18,8 @@ class PppoeSessionTable {
     std::uint16_t vlan = 0;
     std::array<std::uint8_t, 6> server_mac{};
     std::uint8_t flags = 0;  ///< Without the index.
+
+    bool operator==(const Entry&) const = default;
   };
 
   explicit PppoeSessionTable(RegisterFile& registers);
@@ -25,6 +27,7 @@ class PppoeSessionTable {
   PppoeSessionTable& operator=(const PppoeSessionTable&) = delete;
 
   void Reset();
+  void State(StateArchive& archive);
 
   std::array<Entry, kEntries> entries;
   Engine engine;

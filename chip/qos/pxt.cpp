@@ -67,4 +67,18 @@ void PxtTable::ApplyWindow(Entry& entry) {
   entry.flags = registers_.Get(kPxtFlags) & kEntryFlags;
 }
 
+void PxtTable::State(StateArchive& archive) {
+  archive.Table("entries", entries, [&](Entry& entry) {
+    archive.Bytes("internal_mac", entry.internal_mac);
+    archive.Bytes("external_mac", entry.external_mac);
+    archive.Hex("internal_session", entry.internal_session);
+    archive.Hex("external_session", entry.external_session);
+    archive.Hex("internal_vlan", entry.internal_vlan);
+    archive.Hex("external_vlan", entry.external_vlan);
+    archive.Hex("switches", entry.switches, kExistingSwitches);
+    archive.Hex("flags", entry.flags, kEntryFlags);
+  });
+  engine.State(archive);
+}
+
 }  // namespace chip

@@ -21,6 +21,8 @@ class PxtTable {
     std::uint16_t external_vlan = 0;
     std::uint8_t switches = 0;
     std::uint8_t flags = 0;  ///< Without the index.
+
+    bool operator==(const Entry&) const = default;
   };
 
   explicit PxtTable(RegisterFile& registers);
@@ -28,6 +30,7 @@ class PxtTable {
   PxtTable& operator=(const PxtTable&) = delete;
 
   void Reset();
+  void State(StateArchive& archive);
 
   std::array<Entry, kEntries> entries;
   Engine engine;

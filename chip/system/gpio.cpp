@@ -36,4 +36,9 @@ void Gpio::ShowPins() {
   registers_.Set(kGpioData, (driven_ & outputs) | (inputs_ & ~outputs));
 }
 
+void Gpio::State(StateArchive& archive) {
+  archive.Hex("driven", driven_);
+  archive.Hex("inputs", inputs_);
+}
+
 }  // namespace chip

@@ -18,6 +18,7 @@ class Gpio {
 
   /// Leaves the levels from outside as they are.
   void Reset();
+  void State(StateArchive& archive);
 
  private:
   void ShowPins();

@@ -84,4 +84,14 @@ void MiiInterface::Publish() {
   registers_.Set(kMiiCommand, (registers_.Get(kMiiCommand) & ~(kReady | kValid)) | status);
 }
 
+void MiiInterface::State(StateArchive& archive) {
+  constexpr const char* kNames[] = {"phy_wan", "phy_lan", "phy_dmz"};
+  for (unsigned i = 0; i < phys_.size(); ++i) {
+    archive.Group(kNames[i], [&] { phys_[i].State(archive); });
+  }
+  archive.Hex("started", started_);
+  archive.Count("loads_left", loads_left_);
+  archive.Flag("read_valid", read_valid_);
+}
+
 }  // namespace chip

@@ -15,6 +15,7 @@ class MiiInterface {
   MiiInterface& operator=(const MiiInterface&) = delete;
 
   void Reset();
+  void State(StateArchive& archive);
 
   /// What the interface does instead of working. A failing access reads all ones and writes
   /// nothing.

@@ -81,4 +81,19 @@ void Phy::StoreControl(std::uint16_t value) {
   }
 }
 
+void Phy::State(StateArchive& archive) {
+  archive.Group("registers", [&] {
+    for (unsigned reg = 0; reg < kRegisters; ++reg) {
+      const std::string key = StateArchive::HexText(reg, 2);
+      if (archive.Omits(key, registers_[reg] == 0)) {
+        registers_[reg] = 0;
+      } else {
+        archive.Hex(key, registers_[reg]);
+      }
+    }
+  });
+  archive.Flag("link_up", link_up_);
+  archive.Flag("link_was_lost", link_was_lost_);
+}
+
 }  // namespace chip

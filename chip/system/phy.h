@@ -4,6 +4,8 @@
 #include <array>
 #include <cstdint>
 
+#include "chip/state.h"
+
 namespace chip {
 
 class Phy {
@@ -14,6 +16,7 @@ class Phy {
 
   /// Power-on values of the registers; what is attached stays attached.
   void Reset();
+  void State(StateArchive& archive);
 
   /// A partner is attached (true) or not.
   void SetLink(bool up);

@@ -73,4 +73,10 @@ void ResetControl::Publish() {
   registers_.Set(kResetControl, shown ? others | kResetDone.Mask() : others);
 }
 
+void ResetControl::State(StateArchive& archive) {
+  archive.Hex("held", held_, kResetBits);
+  archive.Flag("done", done_);
+  archive.Count("loads_left", loads_left_);
+}
+
 }  // namespace chip

@@ -29,6 +29,7 @@ class ResetControl {
   /// release; or resets have no effect.
   void SetFault(Fault fault) { fault_ = fault; }
   void Reset();
+  void State(StateArchive& archive);
 
  private:
   void BeforeLoad();

@@ -70,4 +70,19 @@ void Timers::Count(Timer& timer, std::uint64_t counts) {
   timer.counter = static_cast<std::uint16_t>(timer.counter - counts);
 }
 
+void Timers::State(StateArchive& archive) {
+  for (unsigned i = 0; i < timers_.size(); ++i) {
+    Timer& timer = timers_[i];
+    Advance(timer);
+    archive.Group(std::to_string(i), [&] {
+      archive.Hex("load", timer.load);
+      archive.Hex("divisor", timer.divisor);
+      archive.Flag("stopped", timer.stopped);
+      archive.Flag("paused", timer.paused);
+      archive.Hex("counter", timer.counter);
+      archive.Count("nanoseconds_into_count", timer.into_count);
+    });
+  }
+}
+
 }  // namespace chip

@@ -21,6 +21,9 @@ class Timers {
 
   void Reset();
 
+  /// Timers stand where they are now, and go on from there when they are put back.
+  void State(StateArchive& archive);
+
  private:
   /// A timer's settings, which have held since `since`, and where it stood then.
   struct Timer {

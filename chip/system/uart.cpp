@@ -104,4 +104,14 @@ void Uart::LoadLineStatus() {
   registers_.Set(kUartLineStatus, static_cast<std::uint8_t>(kIdleLine | ready));
 }
 
+void Uart::State(StateArchive& archive) {
+  archive.Queue("received", received_);
+  archive.Hex("holding", holding_);
+  archive.Hex("interrupt_enable", interrupt_enable_);
+  archive.Hex("divisor_low", divisor_low_);
+  archive.Hex("divisor_high", divisor_high_);
+  archive.Flag("fifos_on", fifos_on_);
+  archive.Flag("transmit_interrupt", transmit_interrupt_);
+}
+
 }  // namespace chip

@@ -15,6 +15,7 @@ class Uart {
   Uart& operator=(const Uart&) = delete;
 
   void Reset();
+  void State(StateArchive& archive);
 
   /// A byte arrives on the line.
   void Receive(std::uint8_t byte) { received_.push_back(byte); }

@@ -58,4 +58,18 @@ void ArpTable::ApplyWindow(Entry& entry) {
   if (stored_.reference) ClearEntryBits(reference, registers_.Get(kArpReference));
 }
 
+void ArpTable::State(StateArchive& archive) {
+  archive.Table("entries", entries, [&](Entry& entry) {
+    archive.Hex("ip", entry.ip);
+    archive.Bytes("mac", entry.mac);
+    archive.Flag("valid", entry.valid);
+  });
+  archive.Bytes("reference", reference);
+  archive.Group("stored_since_start", [&] {
+    archive.Flag("entry", stored_.entry);
+    archive.Flag("reference", stored_.reference);
+  });
+  engine.State(archive);
+}
+
 }  // namespace chip

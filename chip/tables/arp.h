@@ -16,6 +16,8 @@ class ArpTable {
     std::uint32_t ip = 0;
     std::array<std::uint8_t, 6> mac{};
     bool valid = false;
+
+    bool operator==(const Entry&) const = default;
   };
 
   explicit ArpTable(RegisterFile& registers);
@@ -23,6 +25,7 @@ class ArpTable {
   ArpTable& operator=(const ArpTable&) = delete;
 
   void Reset();
+  void State(StateArchive& archive);
 
   std::array<Entry, kSlots> entries;
   monitor::EntryMap reference{};  ///< Which entries have been used.

@@ -7,6 +7,13 @@ namespace chip {
 
 using namespace monitor;  // NOLINT: the register names
 
+namespace {
+
+/// The session is two bits wide and the bits above it do not exist.
+constexpr std::uint8_t kEncapsulationBits = kRouteSession.Mask() | kRoutePppoe.Mask();
+
+}  // namespace
+
 L3RouteTable::L3RouteTable(RegisterFile& registers)
     : engine(registers, "l3", kRouteCommand, kTableEngineBits,
              [this](std::uint8_t command) { return Run(kEngineWrite.Get(command) != 0); }),
@@ -60,14 +67,30 @@ void L3RouteTable::ApplyWindow(Entry& entry) {
   if (stored_.entry) {
     entry.ip = registers_.Get(kRouteIp);
     entry.mask = registers_.Get(kRouteMask);
-    // The session is two bits wide and the bits above it do not exist.
-    entry.encapsulation =
-        registers_.Get(kRouteEncapsulation) & (kRouteSession.Mask() | kRoutePppoe.Mask());
+    entry.encapsulation = registers_.Get(kRouteEncapsulation) & kEncapsulationBits;
     entry.next_hop = registers_.Get(kRouteNextHop);
     entry.flags = registers_.Get(kRouteFlags);
   }
   if (stored_.counter) entry.counter = registers_.Get(kRouteCounter);
   if (stored_.overflow) ClearEntryBits(overflow, registers_.Get(kRouteOverflow));
+}
+
+void L3RouteTable::State(StateArchive& archive) {
+  archive.Table("entries", entries, [&](Entry& entry) {
+    archive.Hex("ip", entry.ip);
+    archive.Hex("mask", entry.mask);
+    archive.Hex("encapsulation", entry.encapsulation, kEncapsulationBits);
+    archive.Hex("next_hop", entry.next_hop);
+    archive.Hex("flags", entry.flags);
+    archive.Count("counter", entry.counter);
+  });
+  archive.Bytes("overflow", overflow);
+  archive.Group("stored_since_start", [&] {
+    archive.Flag("entry", stored_.entry);
+    archive.Flag("counter", stored_.counter);
+    archive.Flag("overflow", stored_.overflow);
+  });
+  engine.State(archive);
 }
 
 }  // namespace chip

@@ -20,6 +20,8 @@ class L3RouteTable {
     std::uint32_t next_hop = 0;
     std::uint8_t flags = 0;
     std::uint32_t counter = 0;
+
+    bool operator==(const Entry&) const = default;
   };
 
   explicit L3RouteTable(RegisterFile& registers);
@@ -27,6 +29,7 @@ class L3RouteTable {
   L3RouteTable& operator=(const L3RouteTable&) = delete;
 
   void Reset();
+  void State(StateArchive& archive);
 
   std::array<Entry, kSlots> entries;
   monitor::EntryMap overflow{};

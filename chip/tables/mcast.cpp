@@ -61,4 +61,20 @@ void McastTable::ApplyWindow(Entry& entry) {
   if (stored_.overflow) ClearEntryBits(overflow, registers_.Get(kMcastOverflow));
 }
 
+void McastTable::State(StateArchive& archive) {
+  archive.Table("entries", entries, [&](Entry& entry) {
+    archive.Hex("ip", entry.ip);
+    archive.Hex("ports", entry.ports, std::uint8_t{0x0F});
+    archive.Flag("valid", entry.valid);
+    archive.Count("counter", entry.counter);
+  });
+  archive.Bytes("overflow", overflow);
+  archive.Group("stored_since_start", [&] {
+    archive.Flag("entry", stored_.entry);
+    archive.Flag("counter", stored_.counter);
+    archive.Flag("overflow", stored_.overflow);
+  });
+  engine.State(archive);
+}
+
 }  // namespace chip

@@ -18,6 +18,8 @@ class McastTable {
     std::uint8_t ports = 0;  ///< Members: 1 WAN, 2 LAN, 4 DMZ, 8 CPU.
     bool valid = false;
     std::uint32_t counter = 0;
+
+    bool operator==(const Entry&) const = default;
   };
 
   explicit McastTable(RegisterFile& registers);
@@ -25,6 +27,7 @@ class McastTable {
   McastTable& operator=(const McastTable&) = delete;
 
   void Reset();
+  void State(StateArchive& archive);
 
   std::array<Entry, kSlots> entries;
   monitor::EntryMap overflow{};

@@ -124,4 +124,22 @@ bool NatTables::WriteWindow(Entry& entry) {
   return true;
 }
 
+void NatTables::State(StateArchive& archive) {
+  const auto list = [&](Entry& entry) {
+    archive.Hex("sip", entry.sip);
+    archive.Hex("sport", entry.sport);
+    archive.Hex("dip", entry.dip);
+    archive.Hex("dport", entry.dport);
+    archive.Flag("tcp", entry.tcp);
+    archive.Hex("nsip", entry.nsip);
+    archive.Hex("nsport", entry.nsport);
+    archive.Hex("age", entry.age);
+    archive.Flag("server", entry.server);
+    archive.Flag("valid", entry.valid);
+  };
+  archive.Table("main", main, list);
+  archive.Table("server", server, list);
+  engine.State(archive);
+}
+
 }  // namespace chip

@@ -25,6 +25,8 @@ class NatTables {
     std::uint16_t age = 0;
     bool server = false;  ///< Inside server.
     bool valid = false;
+
+    bool operator==(const Entry&) const = default;
   };
 
   explicit NatTables(RegisterFile& registers);
@@ -32,6 +34,7 @@ class NatTables {
   NatTables& operator=(const NatTables&) = delete;
 
   void Reset();
+  void State(StateArchive& archive);
 
   std::array<Entry, kSlots> main;
   std::array<Entry, kServerSlots> server;

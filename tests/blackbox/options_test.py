@@ -72,6 +72,7 @@ class CommandLine(unittest.TestCase):
             self.assertEqual(done.returncode, 0)
             self.assertEqual(done.stderr, b"")
             for piece in (b"--pty LINK", b"--trace FILE", b"--fault SPEC", b"--keep-delete",
+                          b"--load FILE", b"--save FILE",
                           b"--version", b"hang:ENGINE", b"slow:ENGINE:LOADS", b"l3"):
                 self.assertIn(piece, done.stdout)
 

@@ -38,6 +38,9 @@ struct SessionError : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+/// Called between the directives of a line and its first key.
+void BeforeKeys(SessionState& state);
+
 /// Carries out a directive, the text behind "@". Throws SessionError when it is unknown or does
 /// not hold.
 void RunDirective(SessionState& state, const std::string& text);

@@ -98,6 +98,7 @@ class Session {
   void BeginStep() {
     const Step& step = steps_[next_++];
     for (const std::string& directive : step.directives) RunDirective(state, directive);
+    BeforeKeys(state);
     keys_ = step.keys;
     at_ = 0;
     passes_left_ = step.passes;

@@ -1,0 +1,629 @@
+"""Boards that are saved, damaged, and loaded."""
+
+import ctypes
+import glob
+import json
+import os
+import shutil
+import signal
+import stat
+import subprocess
+import unittest
+
+import board
+import support
+from board import BOARD
+
+SESSIONS = os.path.join(os.path.dirname(__file__), "..", "sessions", "*.session")
+
+# Something in every block, some of it in the middle: an engine that runs, a paused timer, frames
+# that wait at a port that is down and for the CPU.
+FILL = b"""\
+l3 5 = 10.1.2.0 18 10.1.2.1 lan 1 3 direct
+l3 c 5 = 77
+nat 10 = 10.0.0.1 1000 20.0.0.2 50 tcp 1.2.3.4 2000 5
+nat s 3 = 10.0.0.3 1001 20.0.0.4 51 udp 1.2.3.5 2001 6 server
+arp 7 = 10.1.2.3 021122334455
+mcast 9 = 224.0.0.9 lan dmz
+mcast c 9 = 1234
+clsfr 46 = 6 99 eth 800 sip 10.0.0.0 8 dp 80 1f smac 020000000001 drop high
+clsfr h = 46
+pst 2 = 10.3.3.3 1234 5 020000000002 1 1
+pxt 1 = 020000000001 020000000002 1234 5678 0009 0abc 1 0 0 1 2
+pdr 11 = 10.4.4.4 1 2
+macaddr m cpu 021122334455
+macaddr i lan 10.0.0.1
+maccfg dmz = up 100 full mii fc vlan
+qos = 10 08 20 31 40 48 red 05
+rc 1 = 0100 ffff
+ctrl mtu 5dc
+natcfg = 192.168.100.200 f 258 ffff lw
+cs 3 = 1000 5 2
+gpiocfg = 1 2 3 4
+gpio = ff
+tdmcfg = 10 20 auto
+timer 0 = 1234 3
+timer 0 p
+mii 2 4 = 1e0
+mii 2 10 = abcd
+uart dll = 42
+uart thr = 41
+uart ier = 2
+frame b = 200
+frame t 40 1 lan 2 high
+frame t 3 2 cpu 0 low
+frame t 4 2 cpu 0 low
+reg 1f00 = a5
+reg 60e = 5
+reg 60d = 6
+"""
+
+LISTINGS = b"""\
+reg 0 100
+reg 400 40
+reg 60d
+reg 60d
+reg 600 10
+l3 0 40
+l3 c
+l3 o
+l3 f
+nat 0 100
+nat s 0 10
+arp 0 40
+arp r
+mcast 0 40
+mcast c
+mcast o
+clsfr 0 80
+clsfr l 46
+clsfr c
+clsfr o
+pst 0 4
+pxt 0 4
+pdr 0 40
+macaddr
+maccfg wan
+maccfg lan
+maccfg dmz
+qos
+qos lan
+qos lan 1
+rc 0 4
+ctrl f
+ctrl mtu
+ctrl ppp
+natcfg
+cs 0
+cs 3
+gpio
+gpio i
+gpiocfg
+tdmcfg
+tdm
+timer
+mii 1 1
+mii 2 4
+mii 2 10
+uart
+sc wan
+sc dmz
+sc o lan
+frame
+frame s
+frame r
+frame r
+reg 1f00
+"""
+
+
+def session_lines():
+    """What is typed in the sessions, but for keys that have no letter, lines that end the board
+    or never end without an operator, and timers, which go on by themselves."""
+    lines = []
+    for path in sorted(glob.glob(SESSIONS)):
+        endless = False
+        with open(path, encoding="ascii") as session:
+            for line in session:
+                typed = line[8:].rstrip("\n")
+                if line.startswith("Debug>> ") and not endless and "\\" not in typed:
+                    lines.append(typed)
+                endless = line.startswith("@ctrl-c") or (endless and line.startswith("@"))
+    skipped = ("exit", "timer", "reset")
+    lines = [line for line in lines if not line.lower().startswith(skipped)]
+    return "".join(line + "\n" for line in lines).encode()
+
+
+class StateTest(board.BoardTest):
+    def run_board(self, script, *options, status=0):
+        """Runs a script to its end; what the board prints."""
+        done = support.run([BOARD, *options], script)
+        self.assertEqual(done.returncode, status, done.stderr.decode())
+        return done.stdout
+
+    def content(self, name):
+        with open(self.path(name), "rb") as file:
+            return file.read()
+
+    def write(self, name, content):
+        with open(self.path(name), "wb") as file:
+            file.write(content)
+        return self.path(name)
+
+    def save(self, script, name="saved"):
+        """Saves a board on which a script has run; the state."""
+        self.run_board(script, "--save", self.path(name))
+        return json.loads(self.content(name))
+
+
+class Restart(StateTest):
+    def check(self, script):
+        """Saved and loaded, a board has the same state, shows the same and does the same."""
+        saved, again, trace = self.path("saved"), self.path("again"), self.path("trace")
+        self.save(script)
+        self.run_board(b"", "--load", saved, "--save", again)
+        self.assertEqual(self.content("saved"), self.content("again"))
+
+        before = self.run_board(script + LISTINGS, "--trace", trace)
+        trace_before = self.content("trace")
+        after = self.run_board(LISTINGS, "--load", saved, "--trace", trace)
+        self.assertTrue(before.endswith(after[len(support.START):]))
+        self.assertGreater(len(self.content("trace")), 100000)
+        self.assertTrue(trace_before.endswith(self.content("trace")))
+
+    def test_something_in_every_block(self):
+        self.check(FILL)
+
+    def test_everything_that_sessions_type(self):
+        lines = session_lines()
+        self.assertGreater(lines.count(b"\n"), 1000)
+        self.check(lines)
+
+    def test_untouched_board(self):
+        self.check(b"")
+
+    def test_running_operation(self):
+        """Started by hand; its second status load completes it, in the life after the first."""
+        # `reg` loads the byte once behind its store.
+        lines = b"l3 5 = 10.1.2.9 20 10.1.2.1 lan 0 0\nl3 6\nreg 60e = 5\nreg 60d = 6\n"
+        self.assertEqual(self.save(lines)["l3"]["engine"]["loads_left"], 1)
+        shown = self.run_board(b"reg 603\nreg 60d\nreg 603\n", "--load", self.path("saved"))
+        self.assertIn(b"603\r\n50000600: .. .. .. 00 ", shown)
+        self.assertIn(b"60d\r\n50000600:" + 13 * b" .." + b" 07 ", shown)
+        row = b"50000600: .. .. .. 09" + 12 * b" .." + b" \n\r"
+        self.assertTrue(shown.endswith(row + support.PROMPT))
+
+    def test_settings_of_the_monitor(self):
+        self.save(b"frame r = forward\narp auto\n")
+        done = self.run_board(b"frame\n", "--load", self.path("saved"))
+        self.assertIn(b"RECEIVING MODE: FORWARD", done)
+
+    def test_transmit_buffer_that_comes_next(self):
+        """Forwarding takes one transmit buffer after the other, from the first on."""
+        state = self.save(b"frame t 40 f cpu 0 low\nframe r = forward\n")
+        self.assertEqual(state["monitor"]["transmit_cursor"], 2)
+        self.assertEqual(state["frames"]["queues"]["wan"], [{"handle": "01", "length": 64}])
+        load = ("--load", self.path("saved"), "--save", self.path("again"))
+        self.run_board(b"frame t 40 f cpu 0 low\n", *load)
+        queue = json.loads(self.content("again"))["frames"]["queues"]["wan"]
+        self.assertEqual(queue[1:], [{"handle": "02", "length": 64}])
+
+    def test_waiting_frame_leaves_later(self):
+        self.save(b"frame t 40 1 lan 2 high\n")
+        out = self.path("out.pcap")
+        options = ("--load", self.path("saved"), "--lan", "pcap:," + out)
+        self.run_board(b"maccfg lan = up 100 full mii\n", *options)
+        # The file's header, one frame's header, the frame.
+        self.assertEqual(os.path.getsize(out), 24 + 16 + 64)
+
+    def test_ports_keep_their_settings(self):
+        """Connecting a port does not switch it on again."""
+        self.save(b"")
+        before = self.run_board(b"maccfg lan\n", "--load", self.path("saved"))
+        load = ("--load", self.path("saved"), "--lan", "unix:" + self.path("lan"))
+        self.assertEqual(self.run_board(b"maccfg lan\n", *load), before)
+        without_load = self.run_board(b"maccfg lan\n", "--lan", "unix:" + self.path("lan"))
+        self.assertNotEqual(without_load, before)
+
+    def test_levels_of_the_pins(self):
+        self.run_board(b"", "--gpio-in", "5a", "--save", self.path("saved"))
+        load = ("--load", self.path("saved"))
+        self.assertIn(b"DATA: 5a\n", self.run_board(b"gpio\n", *load))
+        self.assertIn(b"DATA: 12\n", self.run_board(b"gpio\n", *load, "--gpio-in", "12"))
+
+    def test_timer_goes_on_where_it_stood(self):
+        """A count takes 65 ms here, so that it hardly moves in a test; all time since the machine
+        was started would have moved it anywhere."""
+        first = self.save(b"timer 0 = ffff ffff\ntimer 0 r\n")["timers"]["0"]
+        self.assertFalse(first["stopped"])
+        self.run_board(b"", "--load", self.path("saved"), "--save", self.path("again"))
+        second = json.loads(self.content("again"))["timers"]["0"]
+        passed = int(first["counter"], 16) - int(second["counter"], 16)
+        self.assertIn(passed, range(0, 1000))
+
+    def test_old_state_gives_way_in_place(self):
+        path = self.path("saved")
+        for line in (b"arp 1 = 10.0.0.1 020000000001\n", b"arp 2 = 10.0.0.2 020000000002\n"):
+            load = ["--load", path] if os.path.exists(path) else []
+            self.run_board(line, *load, "--save", path)
+        self.assertEqual(list(json.loads(self.content("saved"))["arp"]["entries"]), ["01", "02"])
+
+
+def change(pointer, value):
+    """An edit: the member gets that value."""
+    def edit(state):
+        *parents, last = pointer.split("/")[1:]
+        for name in parents:
+            state = state[int(name) if isinstance(state, list) else name]
+        state[last] = value
+    return edit
+
+
+def leave_out(pointer):
+    def edit(state):
+        *parents, last = pointer.split("/")[1:]
+        for name in parents:
+            state = state[name]
+        del state[last]
+    return edit
+
+
+# An edit of a good state, and what the message has to say.
+EDITS = [
+    (change("/format", "something"), "/format: is not 'virtual-board state'"),
+    (leave_out("/format"), "/format: is missing"),
+    (change("/version", 2), "/version: is 2, which needs a newer virtual-board"),
+    (change("/version", 0), "/version: is below 1"),
+    (change("/version", "1"), "/version: is no number"),
+    (change("/version", -1), "/version: is no number"),
+    (change("/version", 1e30), "/version: is no number"),
+    (leave_out("/uart/fifos_on"), "/uart/fifos_on: is missing"),
+    (leave_out("/arp"), "/arp: is missing"),
+    (change("/arp", []), "/arp: is no object"),
+    (change("/uart/fifos_on", 1), "/uart/fifos_on: is neither true nor false"),
+    (change("/uart/received", "4"), "/uart/received: is no text of pairs of hexadecimal digits"),
+    (change("/uart/received", "4g"), "/uart/received: is no text of pairs of hexadecimal digits"),
+    (change("/uart/received", 4), "/uart/received: is no text of hexadecimal digits"),
+    (change("/uart/surprise", 1), "/uart/surprise: has no meaning here"),
+    (change("/a~b", 1), "/a~0b: has no meaning here"),
+    (change("/sur\x1b[2Jprise", 1), "/sur?[2Jprise: has no meaning here"),
+    (change("/l3/entries/05/ip", "0a01020"), "/l3/entries/05/ip: is no text of 8 hexadecimal"),
+    (change("/l3/entries/05/ip", "0a01020g"), "/l3/entries/05/ip: is no text of 8 hexadecimal"),
+    (change("/l3/entries/05/ip", "-a010200"), "/l3/entries/05/ip: is no text of 8 hexadecimal"),
+    (change("/l3/entries/05/counter", -1), "/l3/entries/05/counter: is no number"),
+    (change("/l3/entries/05/counter", 2**32), "/l3/entries/05/counter: is above 4294967295"),
+    (change("/l3/entries/05/encapsulation", "08"), "encapsulation: has bits set that do not exist"),
+    (leave_out("/l3/entries/05/counter"), "/l3/entries/05/counter: is missing"),
+    (change("/l3/entries/40", {}), "/l3/entries/40: has no meaning here"),
+    (change("/l3/entries/5", {}), "/l3/entries/5: has no meaning here"),
+    (change("/l3/overflow", "00"), "/l3/overflow: has 1 bytes, not 8"),
+    (change("/l3/engine/status", "ff"), "/l3/engine/status: has bits set that do not exist"),
+    (change("/registers/0600 L3_IQ", "00000000"), "/registers/0600 L3_IQ: has no meaning here"),
+    (change("/registers/0600 L3_IP", "00"), "/registers/0600 L3_IP: has 1 bytes, not 4"),
+    (change("/no_register/0600", "00"), "/no_register/0600: has no meaning here"),
+    (change("/stat_counters/wan/SC_FRMSNDFAIL", 256), "SC_FRMSNDFAIL: is above 255"),
+    (change("/monitor/receive_mode", 2), "/monitor/receive_mode: is no receive mode"),
+    (change("/monitor/transmit_cursor", 17), "/monitor/transmit_cursor: is above 16"),
+    (change("/monitor/transmit_cursor", 0), "/monitor/transmit_cursor: is below 1"),
+    (change("/frames/pool", ""), "/frames/pool: buffer 12 is nowhere"),
+    (change("/frames/pool", "05"), "/frames/pool: buffer 05 is no receive buffer"),
+    (change("/frames/pool", "2020"), "/frames/pool: buffer 20 is there twice"),
+    (change("/frames/held", "101103"), "/frames/held: buffer 03 is no receive buffer"),
+    (change("/frames/held", "101120"), "/frames/held: buffer 20 is in the pool too"),
+    (change("/frames/held", "101110"), "/frames/held: buffer 10 is there twice"),
+    (change("/frames/held", "11"), "/frames/received: buffer 10 is not held"),
+    (change("/frames/received", "1010"), "/frames/received: buffer 10 is there twice"),
+    (change("/frames/queues/lan", {}), "/frames/queues/lan: is no list"),
+    (change("/frames/queues/lan", [1]), "/frames/queues/lan/0: is no object"),
+    (change("/frames/queues/lan", [{"handle": "01"}]), "/frames/queues/lan/0/length: is missing"),
+    (change("/frames/queues/lan", [{"handle": "01", "length": 1525}]), "length: is above 1524"),
+    (change("/frames/queues/lan", [{"handle": "01", "length": 0}]), "empty frames are not sent"),
+    (change("/frames/queues/lan", 257 * [{}]), "/frames/queues/lan: has more than 256 elements"),
+    (change("/frames/memory/101", {}), "/frames/memory/101: has no meaning here"),
+    (change("/frames/memory/01/801", "00"), "/frames/memory/01/801: has no meaning here"),
+]
+
+
+class Damaged(StateTest):
+    def setUp(self):
+        super().setUp()
+        self.save(FILL)
+        self.text = self.content("saved")
+
+    def refused(self, content, *pieces):
+        """The board tells why it does not start; nothing is run, nothing is saved."""
+        path = self.write("damaged", content)
+        other = self.write("other", b"as it was")
+        ports = ("--capture", self.path("capture"), "--trace", self.path("trace"))
+        done = support.run([BOARD, "--load", path, "--save", other, *ports], b"l3 5\n")
+        message = done.stderr.decode()
+        self.assertEqual((done.returncode, done.stdout), (1, b""), message)
+        self.assertTrue(message.startswith(f"virtual-board: cannot load the state '{path}': "))
+        self.assertEqual(message.count("\n"), 1)
+        self.assertLess(len(message), 500 + len(path))
+        for piece in pieces:
+            self.assertIn(piece, message)
+        self.assertEqual(self.content("other"), b"as it was")
+        self.assertEqual(sorted(os.listdir(self.folder)), ["damaged", "other", "saved"])
+
+    def test_edits(self):
+        for edit, reason in EDITS:
+            with self.subTest(reason):
+                state = json.loads(self.text)
+                edit(state)
+                self.refused(json.dumps(state).encode(), reason)
+
+    def test_cut_short(self):
+        """Wherever it is cut, but in front of the last line end."""
+        for length in range(0, len(self.text) - 2, len(self.text) // 40):
+            with self.subTest(length):
+                self.refused(self.text[:length], "parse error at line ")
+        self.refused(self.text[:-2], "unexpected end of input")
+
+    def test_changed_bytes(self):
+        line = b' "version": 1,'
+        self.assertEqual(self.text.splitlines()[2], line)
+        for broken in (b' "version" 1,', b' "version": 1', b' \x00"version": 1,', b' "\xff": 1,'):
+            with self.subTest(broken):
+                place = "parse error at line " + ("4" if broken.endswith(b"1") else "3")
+                self.refused(self.text.replace(line, broken), place)
+        self.refused(self.text + b"x", "parse error")
+
+    def test_member_that_comes_twice(self):
+        twice = self.text.replace(b'"holding"', b'"received": "",\n  "holding"')
+        self.refused(twice, "/uart/received: is there twice")
+
+    def test_something_else(self):
+        self.refused(b"[]", "it is no JSON object")
+        self.refused(b"7", "it is no JSON object")
+        self.refused(b"{}", "/format: is missing")
+        self.refused(os.urandom(4096))
+        self.refused(b"[" * 4000000, "parse error")
+        self.refused(b"[" * 4000000 + b"]" * 4000000, "it is no JSON object")
+        self.refused(b'{"' + b"x" * 100000 + b'":1', "parse error")
+        self.refused(b'{"format":' + 17 * 2**20 * b" ", "longer than any state")
+
+    def test_files_that_cannot_be_read(self):
+        for path, reason in ((self.path("missing"), "No such file or directory"),
+                             (self.folder, "Is a directory"),
+                             ("/dev/zero", "it is longer than any state"),
+                             ("", "No such file or directory")):
+            done = support.run([BOARD, "--load", path], b"l3 5\n")
+            self.assertEqual((done.returncode, done.stdout), (1, b""))
+            message = f"virtual-board: cannot load the state '{path}': {reason}\n"
+            self.assertEqual(done.stderr.decode(), message)
+
+    def test_load_needs_no_right_to_write(self):
+        os.chmod(self.path("saved"), 0o444)
+        self.run_board(b"", "--load", self.path("saved"))
+
+
+MOUNTS = ["unshare", "--mount"] if os.geteuid() == 0 else ["unshare", "--mount", "-r"]
+
+
+def why_no_mounts():
+    """What is missing for file systems of our own, or None."""
+    if shutil.which("unshare") is None:
+        return "there is no unshare (package util-linux)"
+    tried = subprocess.run([*MOUNTS, "mount", "-t", "tmpfs", "probe", "/mnt"],
+                           capture_output=True, check=False)
+    if tried.returncode != 0:
+        return "no right to mount: " + tried.stderr.decode().strip()
+    return None
+
+
+WHY_NO_MOUNTS = why_no_mounts()
+
+
+class Saving(StateTest):
+    def refused(self, path, reason):
+        """The board does not even start."""
+        done = support.run([BOARD, "--save", path], b"zz\n")
+        self.assertEqual((done.returncode, done.stdout), (1, b""))
+        message = f"virtual-board: cannot save the state in '{path}': {reason}\n"
+        self.assertEqual(done.stderr.decode(), message)
+
+    def test_places_that_take_no_state(self):
+        os.mkfifo(self.path("fifo"))
+        self.refused(self.path("missing/name"), "No such file or directory")
+        self.refused(self.folder, "it is no regular file")
+        self.refused(self.path("fifo"), "it is no regular file")
+        self.refused("/dev/null", "it is no regular file")
+        self.refused("", "a file needs a name")
+        self.assertTrue(stat.S_ISCHR(os.stat("/dev/null").st_mode))
+
+    def test_only_the_file_appears(self):
+        self.save(b"exit\n")
+        self.assertEqual(os.listdir(self.folder), ["saved"])
+
+    def test_permissions(self):
+        os.umask(0o027)
+        self.addCleanup(os.umask, 0o022)
+        self.save(b"")
+        self.assertEqual(stat.S_IMODE(os.stat(self.path("saved")).st_mode), 0o640)
+        os.chmod(self.path("saved"), 0o604)
+        self.save(b"l3 5\n")
+        self.assertEqual(stat.S_IMODE(os.stat(self.path("saved")).st_mode), 0o604)
+
+    def test_link_stays(self):
+        os.mkdir(self.path("far"))
+        self.write("far/state", b"old")
+        os.symlink("far/state", self.path("saved"))
+        self.save(b"")
+        self.assertTrue(os.path.islink(self.path("saved")))
+        self.assertEqual(sorted(os.listdir(self.path("far"))), ["state"])
+
+    def test_name_without_folder(self):
+        done = support.run([BOARD, "--save", "saved"], b"", cwd=self.folder)
+        self.assertEqual(done.returncode, 0)
+        self.assertIn("format", json.loads(self.content("saved")))
+
+    def failed(self, done, reason):
+        """The session went on to its end; the old file is intact, and nothing is left beside it."""
+        self.assertEqual(done.returncode, 1)
+        self.assertTrue(done.stdout.endswith(support.UNKNOWN + support.PROMPT))
+        self.assertIn(f"cannot save the state in '{self.path('saved')}': {reason}\n",
+                      done.stderr.decode())
+
+    def test_limit_of_the_file_size(self):
+        self.write("saved", b"old")
+        limited = ["sh", "-c", 'ulimit -f 1; exec "$@"', "sh"]
+        done = support.run([*limited, BOARD, "--save", self.path("saved")], b"zz\n")
+        self.failed(done, "File too large")
+        self.assertEqual(self.content("saved"), b"old")
+        self.assertEqual(os.listdir(self.folder), ["saved"])
+
+    def on_a_small_disk(self, commands):
+        """Runs a board whose folder is a file system of 16 KiB that holds an old state, then shows
+        what is there. `commands` come before the board."""
+        script = (
+            f"mount -t tmpfs -o size=16k disk {self.folder} && cd {self.folder} && "
+            f"echo old >saved && {commands} && "
+            f"{BOARD} --save {self.path('saved')}; status=$?; "
+            "echo; echo AFTER; ls; cat saved; exit $status"
+        )
+        done = support.run([*MOUNTS, "sh", "-c", script], b"zz\n")
+        done.stdout, _, after = done.stdout.partition(b"\nAFTER\n")
+        return done, after
+
+    @unittest.skipIf(WHY_NO_MOUNTS, WHY_NO_MOUNTS)
+    def test_full_disk(self):
+        done, after = self.on_a_small_disk("! dd if=/dev/zero of=filler bs=1k count=64 2>/dev/null")
+        self.failed(done, "No space left on device")
+        self.assertEqual(after, b"filler\nsaved\nold\n")
+
+    @unittest.skipIf(WHY_NO_MOUNTS, WHY_NO_MOUNTS)
+    def test_read_only_disk(self):
+        """Found out before the session, not behind it."""
+        done, after = self.on_a_small_disk(f"mount -o remount,ro {self.folder}")
+        self.assertEqual((done.returncode, done.stdout), (1, b""))
+        self.assertIn(b"Read-only file system", done.stderr)
+        self.assertEqual(after, b"saved\nold\n")
+
+    @unittest.skipIf(WHY_NO_MOUNTS, WHY_NO_MOUNTS)
+    def test_disk_with_room(self):
+        """The same with nothing in the way."""
+        done, after = self.on_a_small_disk("true")
+        self.assertEqual(done.returncode, 0)
+        self.assertTrue(after.startswith(b"saved\n{\n"))
+
+
+class Signals(StateTest):
+    LINE = b"arp 7 = 10.1.2.3 021122334455"
+
+    def saved_entries(self):
+        return list(json.loads(self.content("saved"))["arp"]["entries"])
+
+    def test_state_is_saved_first(self):
+        for number in (signal.SIGTERM, signal.SIGHUP, signal.SIGINT):
+            with self.subTest(number):
+                self.write("saved", b"old")
+                self.start("--save", self.path("saved"))
+                self.command(self.LINE)
+                self.board.send_signal(number)
+                self.assertEqual(self.board.wait(support.DEADLINE), -number)
+                self.assertEqual(self.saved_entries(), ["07"])
+
+    def test_in_a_wait_that_never_ends(self):
+        self.start("--save", self.path("saved"), "--fault", "hang:l3")
+        self.command(self.LINE)
+        self.type(b"l3 5\n")
+        self.screen.until(b"l3 5\r\n")
+        self.board.send_signal(signal.SIGTERM)
+        self.assertEqual(self.board.wait(support.DEADLINE), -signal.SIGTERM)
+        self.assertEqual(self.saved_entries(), ["07"])
+
+    def test_in_the_middle_of_a_line(self):
+        self.start("--save", self.path("saved"))
+        self.type(b"arp")
+        self.screen.until(b"arp")
+        self.board.send_signal(signal.SIGTERM)
+        self.assertEqual(self.board.wait(support.DEADLINE), -signal.SIGTERM)
+        self.assertEqual(self.saved_entries(), [])
+
+    def test_failure_is_told(self):
+        limited = ["sh", "-c", 'ulimit -f 1; exec "$@"', "sh"]
+        self.start("--save", self.path("saved"), before=limited)
+        self.board.send_signal(signal.SIGTERM)
+        self.assertEqual(self.board.wait(support.DEADLINE), 1)
+        self.assertIn(b"File too large", self.board.stderr.read())
+
+    def test_ignored_signal_stays_ignored(self):
+        self.start("--save", self.path("saved"), before=["nohup"])
+        self.board.send_signal(signal.SIGHUP)
+        self.command(self.LINE)
+        self.leave()
+        self.assertEqual(self.saved_entries(), ["07"])
+
+    def test_terminal_is_restored(self):
+        terminal = support.Terminal(self)
+        before = terminal.settings()
+        terminal.start([BOARD, "--save", self.path("saved")])
+        terminal.screen.until(support.PROMPT)
+        self.assertTrue(support.is_editor_mode(terminal.settings()))
+        terminal.process.send_signal(signal.SIGTERM)
+        self.assertEqual(terminal.status(), -signal.SIGTERM)
+        self.assertEqual(terminal.settings(), before)
+        self.assertEqual(self.saved_entries(), [])
+
+    def test_without_save_nothing_waits(self):
+        self.start()
+        self.board.send_signal(signal.SIGTERM)
+        self.assertEqual(self.board.wait(support.DEADLINE), -signal.SIGTERM)
+
+
+LIBC = ctypes.CDLL(None, use_errno=True)
+PTRACE_TRACEME, PTRACE_SETOPTIONS, PTRACE_SYSCALL = 0, 0x4200, 24
+PTRACE_O_EXITKILL = 0x100000
+
+
+class Killed(StateTest):
+    def run_traced(self, script, stops):
+        """Runs a board, stopping at the beginning and end of each of its system calls, and kills
+        it at that stop; how many there were."""
+        with open(script, "rb") as lines:
+            # pylint: disable=consider-using-with
+            process = subprocess.Popen(
+                [BOARD, "--load", self.path("new"), "--save", self.path("saved")],
+                stdin=lines, stdout=subprocess.DEVNULL,
+                preexec_fn=lambda: LIBC.ptrace(PTRACE_TRACEME, 0, None, None),
+            )
+        LIBC.ptrace.argtypes = [ctypes.c_long, ctypes.c_long, ctypes.c_void_p, ctypes.c_void_p]
+        _, status = os.waitpid(process.pid, 0)
+        if not os.WIFSTOPPED(status):
+            process.returncode = 0
+            self.skipTest("no right to trace a program")
+        LIBC.ptrace(PTRACE_SETOPTIONS, process.pid, None, PTRACE_O_EXITKILL)
+        count = 0
+        while os.WIFSTOPPED(status) and count != stops:
+            LIBC.ptrace(PTRACE_SYSCALL, process.pid, None, None)
+            _, status = os.waitpid(process.pid, 0)
+            count += 1
+        if os.WIFSTOPPED(status):
+            os.kill(process.pid, signal.SIGKILL)
+            os.waitpid(process.pid, 0)
+        process.returncode = status
+        return count
+
+    def test_old_or_new(self):
+        """At whichever system call the board is killed while it saves."""
+        self.save(b"", "old")
+        self.save(FILL, "new")
+        script = self.write("script", b"")
+        old, new = self.content("old"), self.content("new")
+        everything = self.run_traced(script, -1)
+        self.assertEqual(self.content("saved"), new)
+        seen = []
+        for stops in range(everything - 36, everything):
+            self.write("saved", old)
+            self.run_traced(script, stops)
+            self.assertIn(self.content("saved"), (old, new))
+            seen.append(self.content("saved") == new)
+        # There is one moment at which it is replaced, and it lies among these.
+        self.assertEqual(seen, sorted(seen))
+        self.assertFalse(seen[0])
+        self.assertTrue(seen[-1])
+
+
+if __name__ == "__main__":
+    support.main()

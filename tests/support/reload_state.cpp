@@ -1,0 +1,28 @@
+// A session on a chip that is switched off before every line: its state is saved, and loaded again
+// once nothing is left of it. The screen must not tell.
+#include "board/state/state_text.h"
+#include "mac/frame.h"
+#include "mac/packet_service.h"
+#include "support/session.h"
+
+namespace {
+
+/// As at power-on, with nothing attached and the monitor's settings forgotten.
+void SwitchOff(chip::RouterChip& chip) {
+  chip.Reset();
+  chip.gpio.SetInputs(0);
+  for (const std::uint8_t port : std::array<std::uint8_t, 3>{1, 2, 4})
+    chip.mii.SetLink(port, false);
+  monitor::ReceiveMode = monitor::kReceiveManual;
+  monitor::ArpAutoReply = 0;
+  monitor::TransmitCursor = 1;
+}
+
+}  // namespace
+
+void BeforeKeys(SessionState& state) {
+  const std::string saved = board::StateText(state.chip);
+  SwitchOff(state.chip);
+  board::ReplaceState(saved, state.chip);
+  if (board::StateText(state.chip) != saved) throw SessionError("the loaded state is another");
+}
