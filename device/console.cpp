@@ -35,6 +35,9 @@ bool g_input_ended = false;
 /// A look at the input is a system call. While passes follow each other without a wait, as when
 /// frames pour in, one pass in some is enough for it; printing takes time and makes it due.
 constexpr unsigned kPassesBetweenLooks = 8;
+
+/// An input that has ended hardly comes back.
+constexpr unsigned kPassesBetweenLooksAtTheEnd = 256;
 unsigned g_passes_to_look = 0;
 
 char g_output[8192];
@@ -137,7 +140,7 @@ int ConsoleReadChar() {
     g_input_begin = 0;
     g_input_end = ReadWaiting(g_input, sizeof(g_input));
     if (g_input_end == 0) {
-      g_passes_to_look = kPassesBetweenLooks - 1;
+      g_passes_to_look = (g_input_ended ? kPassesBetweenLooksAtTheEnd : kPassesBetweenLooks) - 1;
       return -1;
     }
   }

@@ -13,14 +13,16 @@ DEVICE = os.environ.get("DEBUG_MONITOR_DEVICE", "/dev/kmem")
 WINDOW = int(os.environ.get("DEBUG_MONITOR_WINDOW", "0x40000000"), 0)
 WINDOW_SIZE = 0x2000
 
-# Arguments: what the device is, a path or nothing; the program.
-ENTER = 'mount -t tmpfs none /dev && if [ -n "$1" ]; then ln -s "$1" /dev/kmem; fi && exec "$2"'
+# Arguments: what the device is, a path or nothing; the program and its arguments.
+ENTER = """
+mount -t tmpfs none /dev && if [ -n "$1" ]; then ln -s "$1" /dev/kmem; fi && shift && exec "$@"
+"""
 
 
-def inside(device, program):
+def inside(device, *program):
     """The command that runs a program where the memory device is `device`, or absent."""
     unshare = ["unshare", "--mount"] if os.geteuid() == 0 else ["unshare", "--mount", "-r"]
-    return [*unshare, "sh", "-c", ENTER, "sh", device, program]
+    return [*unshare, "sh", "-c", ENTER, "sh", device, *program]
 
 
 def why_not():
