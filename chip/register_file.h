@@ -142,12 +142,18 @@ class RegisterFile {
   }
   [[nodiscard]] std::uint32_t Assemble(std::uint32_t offset, unsigned width) const {
     const std::uint8_t* const bytes = &bytes_[offset];
+    // Most registers are bytes, and a loop costs them more than the access.
+    if (width == 1) return bytes[0];
     std::uint32_t value = 0;
     for (unsigned i = 0; i < width; ++i) value = value << 8 | bytes[i];
     return value;
   }
   void Disassemble(std::uint32_t offset, unsigned width, std::uint32_t value) {
     std::uint8_t* const bytes = &bytes_[offset];
+    if (width == 1) {
+      bytes[0] = static_cast<std::uint8_t>(value);
+      return;
+    }
     for (unsigned i = width; i-- != 0; value >>= 8) bytes[i] = static_cast<std::uint8_t>(value);
   }
 

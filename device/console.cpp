@@ -39,6 +39,9 @@ int g_input_error = 0;
 /// A look at the input is a system call. While passes follow each other without a wait, as when
 /// frames pour in, one pass in some is enough for it; printing takes time and makes it due.
 constexpr unsigned kPassesBetweenLooks = 8;
+
+/// An input that has ended hardly comes back.
+constexpr unsigned kPassesBetweenLooksAtTheEnd = 256;
 unsigned g_passes_to_look = 0;
 
 char g_output[8192];
@@ -167,7 +170,7 @@ int ConsoleReadChar() {
     // A look that is refused leaves reading, which then waits, as the only way to the input.
     g_input_end = InputEvents() != 0 ? ReadWaiting(g_input, kTypedAhead) : 0;
     if (g_input_end == 0) {
-      g_passes_to_look = kPassesBetweenLooks - 1;
+      g_passes_to_look = (g_input_ended ? kPassesBetweenLooksAtTheEnd : kPassesBetweenLooks) - 1;
       return -1;
     }
   }

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <vector>
 
 #include "board/message.h"
 #include "board/ports/capture_file.h"
@@ -39,9 +40,12 @@ std::unique_ptr<board::Port> Open(const std::string& files, bool realtime = fals
   return board::OpenCapturePort(files, {.realtime = realtime});
 }
 
-std::vector<board::Frame> ReadAll(board::Port& port) {
-  std::vector<board::Frame> frames;
-  while (auto frame = port.Receive()) frames.push_back(*std::move(frame));
+/// Copies of all frames, which the port itself keeps only until the next.
+using Frames = std::vector<std::vector<std::uint8_t>>;
+
+Frames ReadAll(board::Port& port) {
+  Frames frames;
+  while (const auto frame = port.Receive()) frames.emplace_back(frame->begin(), frame->end());
   return frames;
 }
 
@@ -56,13 +60,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   in.Fill(data, size);
   const MemoryFile out;
   const MemoryFile record;
-  std::vector<board::Frame> frames;
+  Frames frames;
   try {
     (void)ReadAll(*Open(in.Path(), true));
     const auto port = Open(in.Path() + "," + out.Path());
     board::CaptureFile capture(record.Path(), {"wan"});
     frames = ReadAll(*port);
-    for (const board::Frame& frame : frames) {
+    for (const auto& frame : frames) {
       Check(frame.size() <= kLongestFrame);
       port->Send(frame);
       capture.Record(0, board::Direction::kInbound, frame);

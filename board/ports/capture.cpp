@@ -3,11 +3,13 @@
 #include <sys/timerfd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <ctime>
 #include <filesystem>
+#include <vector>
 
 #include "board/message.h"
 #include "board/ports/descriptor.h"
@@ -27,6 +29,7 @@ struct CloseCapture {
   void operator()(pcap_dumper_t* dumper) const { pcap_dump_close(dumper); }
 };
 
+using File = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 using Capture = std::unique_ptr<pcap_t, CloseCapture>;
 using Dumper = std::unique_ptr<pcap_dumper_t, CloseCapture>;
 
@@ -53,6 +56,17 @@ std::string About(const std::string& file, const std::string& reason) {
   return "pcap:" + (reason.starts_with(file + ": ") ? reason : file + ": " + reason);
 }
 
+/// System calls for captures are few with a buffer of this size; the usual one holds two frames.
+using FileBuffer = std::array<char, 65536>;
+
+/// The buffer has to stay until the file is closed. Throws PortError.
+File OpenFile(const std::string& name, const char* mode, FileBuffer& buffer) {
+  File file(std::fopen(name.c_str(), mode), std::fclose);
+  if (!file) throw PortError(About(name, std::strerror(errno)));
+  std::setvbuf(file.get(), buffer.data(), _IOFBF, buffer.size());
+  return file;
+}
+
 class CapturePort : public Port {
  public:
   CapturePort(const std::string& in, const std::string& out, const PortOptions& options)
@@ -63,13 +77,13 @@ class CapturePort : public Port {
   }
 
   std::optional<Frame> Receive() override {
-    if (!next_ || (timer_.Open() && Now() < due_)) return {};
-    std::optional<Frame> frame = std::move(next_);
+    if (!pending_ || (timer_.Open() && Now() < due_)) return {};
+    taken_.swap(next_);
     Advance();
-    return frame;
+    return Frame(taken_);
   }
 
-  void Send(std::span<const std::uint8_t> frame) override {
+  void Send(Frame frame) override {
     if (!dumper_) return;
     const timespec now = WallClock();
     pcap_pkthdr header{};
@@ -86,15 +100,17 @@ class CapturePort : public Port {
 
   [[nodiscard]] int WatchedFd() const override { return timer_.Get(); }
   [[nodiscard]] bool Waits() const override { return !timer_.Open(); }
-  [[nodiscard]] bool Pending() const override { return next_.has_value(); }
+  [[nodiscard]] bool Pending() const override { return pending_; }
   [[nodiscard]] bool Failed() const override { return failed_; }
 
  private:
   void OpenInput(bool realtime) {
     char error[PCAP_ERRBUF_SIZE];
+    File file = OpenFile(name_, "rbe", in_buffer_);
     input_.reset(
-        pcap_open_offline_with_tstamp_precision(name_.c_str(), PCAP_TSTAMP_PRECISION_NANO, error));
+        pcap_fopen_offline_with_tstamp_precision(file.get(), PCAP_TSTAMP_PRECISION_NANO, error));
     if (!input_) throw PortError(About(name_, error));
+    (void)file.release();
     if (pcap_datalink(input_.get()) != DLT_EN10MB) {
       throw PortError("pcap:" + name_ + ": frame 1: the link type is not Ethernet");
     }
@@ -109,14 +125,15 @@ class CapturePort : public Port {
     out_name_ = out;
     output_.reset(pcap_open_dead_with_tstamp_precision(DLT_EN10MB, kLongestFrame,
                                                        PCAP_TSTAMP_PRECISION_NANO));
-    dumper_.reset(pcap_dump_open(output_.get(), out.c_str()));
+    File file = OpenFile(out, "wbe", out_buffer_);
+    dumper_.reset(pcap_dump_fopen(output_.get(), file.release()));
     if (!dumper_) throw PortError(About(out, pcap_geterr(output_.get())));
     if (pcap_dump_flush(dumper_.get()) != 0) throw PortError(CannotWrite());
   }
 
   /// Reads the frame that Receive answers next, and sets the timer to its time.
   void Advance() {
-    next_.reset();
+    pending_ = false;
     if (!input_) return;
     ++number_;
     pcap_pkthdr* header;
@@ -126,7 +143,8 @@ class CapturePort : public Port {
     if (result != 1) return Fail(pcap_geterr(input_.get()));
     if (header->caplen > kLongestFrame) return Fail("longer than 2016 bytes");
     if (header->caplen < header->len) return Fail("not captured whole");
-    next_.emplace(data, data + header->caplen);
+    next_.assign(data, data + header->caplen);
+    pending_ = true;
     if (timer_.Open()) Schedule(Nanoseconds({header->ts.tv_sec, header->ts.tv_usec}));
   }
 
@@ -163,11 +181,15 @@ class CapturePort : public Port {
 
   std::string name_;
   std::string out_name_;
+  FileBuffer in_buffer_;
+  FileBuffer out_buffer_;
   Capture input_;
   Capture output_;
   Dumper dumper_;
   Descriptor timer_;
-  std::optional<Frame> next_;
+  std::vector<std::uint8_t> taken_;  ///< What Receive has answered last.
+  std::vector<std::uint8_t> next_;   ///< What it answers next, while that is pending.
+  bool pending_ = false;
   unsigned number_ = 0;
   std::int64_t shift_ = 0;  ///< Monotonic time minus capture time.
   std::int64_t due_ = 0;    ///< When the next frame arrives, monotonic.

@@ -7,11 +7,11 @@
 #include <span>
 #include <stdexcept>
 #include <string>
-#include <vector>
 
 namespace board {
 
-using Frame = std::vector<std::uint8_t>;
+/// A frame where it lies; whoever hands it out says how long it stays.
+using Frame = std::span<const std::uint8_t>;
 
 /// A port that cannot be opened: what was asked for and why it cannot be had.
 struct PortError : std::runtime_error {
@@ -22,11 +22,11 @@ class Port {
  public:
   virtual ~Port() = default;
 
-  /// The next frame from outside, if one is here now.
+  /// The next frame from outside, if one is here now. It stays until the next call.
   virtual std::optional<Frame> Receive() = 0;
 
   /// Takes a frame that the chip sends.
-  virtual void Send(std::span<const std::uint8_t> frame) = 0;
+  virtual void Send(Frame frame) = 0;
 
   /// Hands on what was sent and not yet passed on. Called before the monitor waits and at the end.
   virtual void Flush() {}

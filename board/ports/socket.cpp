@@ -44,14 +44,13 @@ class SocketPort : public Port {
       peer_ = Descriptor(accept4(listener_.Get(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
     }
     if (!peer_.Open()) return {};
-    std::array<std::uint8_t, kLongestRead> buffer;
-    const ssize_t got = recv(peer_.Get(), buffer.data(), buffer.size(), 0);
-    if (got > 0) return Frame(buffer.begin(), buffer.begin() + got);
+    const ssize_t got = recv(peer_.Get(), buffer_.data(), buffer_.size(), 0);
+    if (got > 0) return Frame(buffer_.data(), static_cast<std::size_t>(got));
     if (got == 0 || (errno != EAGAIN && errno != EINTR)) peer_.Close();
     return {};
   }
 
-  void Send(std::span<const std::uint8_t> frame) override {
+  void Send(Frame frame) override {
     if (peer_.Open()) send(peer_.Get(), frame.data(), frame.size(), MSG_NOSIGNAL);
   }
 
@@ -70,6 +69,7 @@ class SocketPort : public Port {
   bool bound_ = false;
   Descriptor listener_;
   Descriptor peer_;
+  std::array<std::uint8_t, kLongestRead> buffer_{};
   SignalGuard guard_;
 };
 

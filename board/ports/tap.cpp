@@ -44,15 +44,14 @@ class TapPort : public Port {
 
   std::optional<Frame> Receive() override {
     if (!device_.Open()) return {};
-    std::array<std::uint8_t, kLongestRead> buffer;
-    const ssize_t got = read(device_.Get(), buffer.data(), buffer.size());
-    if (got > 0) return Frame(buffer.begin(), buffer.begin() + got);
+    const ssize_t got = read(device_.Get(), buffer_.data(), buffer_.size());
+    if (got > 0) return Frame(buffer_.data(), static_cast<std::size_t>(got));
     // A device that is down answers EIO and comes back; one that was removed does not.
     if (got < 0 && errno == EBADFD) Lose();
     return {};
   }
 
-  void Send(std::span<const std::uint8_t> frame) override {
+  void Send(Frame frame) override {
     if (!device_.Open()) return;
     if (write(device_.Get(), frame.data(), frame.size()) < 0 && errno == EBADFD) Lose();
   }
@@ -86,6 +85,7 @@ class TapPort : public Port {
 
   std::string name_;
   Descriptor device_;
+  std::array<std::uint8_t, kLongestRead> buffer_{};
 };
 
 }  // namespace

@@ -145,6 +145,10 @@ class StateTest(board.BoardTest):
         with open(self.path(name), "rb") as file:
             return file.read()
 
+    def accesses(self, name):
+        """The lines of a trace but its marks, which depend on what was marked before."""
+        return [line for line in self.content(name).splitlines() if not line.startswith(b"#")]
+
     def write(self, name, content):
         with open(self.path(name), "wb") as file:
             file.write(content)
@@ -165,11 +169,12 @@ class Restart(StateTest):
         self.assertEqual(self.content("saved"), self.content("again"))
 
         before = self.run_board(script + LISTINGS, "--trace", trace)
-        trace_before = self.content("trace")
+        before_load = self.accesses("trace")
         after = self.run_board(LISTINGS, "--load", saved, "--trace", trace)
         self.assertTrue(before.endswith(after[len(support.START):]))
-        self.assertGreater(len(self.content("trace")), 100000)
-        self.assertTrue(trace_before.endswith(self.content("trace")))
+        after_load = self.accesses("trace")
+        self.assertGreater(len(after_load), 5000)
+        self.assertEqual(before_load[-len(after_load):], after_load)
 
     def test_something_in_every_block(self):
         self.check(FILL)

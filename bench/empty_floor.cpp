@@ -1,0 +1,2 @@
+// What a static program weighs before it does anything.
+int main() {}
