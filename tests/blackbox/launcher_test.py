@@ -81,7 +81,8 @@ class Search(StandInTest):
         self.expect_end(4)
 
     def test_nowhere(self):
-        self.terminal.start([self.launcher])
+        # Without the folders for system programs, as a monitor may be installed there.
+        self.terminal.start([self.launcher], env={"PATH": "/usr/bin:/bin"})
         self.terminal.screen.until(b"debug-monitor is neither in")
         self.expect_end(127)
 
