@@ -12,7 +12,7 @@ the shell. Sessions are typed on a board of their own, and the terminal then sho
 
 In the others "$ " begins a line for the shell, "> " continues it, and below stands what it prints.
 The shell finds the programs in PATH and a capture in.pcap of one frame in its folder. Blocks with
-the prompt "# " are for root, who has a network; tap_test.py does what they show.
+unshare or nsenter need a network of their own; tap_test.py does what they show.
 """
 
 import glob
@@ -61,8 +61,8 @@ def blocks(path, language=""):
             block.append(plain(line) if page else line)
 
 
-def has(block, prompt):
-    return any(line.startswith(prompt) for line in block)
+def has(block, prompts):
+    return any(line.startswith(prompts) for line in block)
 
 
 def names_options(block):
@@ -75,7 +75,7 @@ def is_session(block):
 
 
 def is_example(block):
-    return (has(block, PROMPT) or has(block, "$ ")) and not has(block, "# ")
+    return has(block, (PROMPT, "$ ")) and not has(block, ("$ unshare ", "# nsenter "))
 
 
 def screen(output):
