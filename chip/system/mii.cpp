@@ -85,9 +85,10 @@ void MiiInterface::Publish() {
 }
 
 void MiiInterface::State(StateArchive& archive) {
-  constexpr const char* kNames[] = {"phy_wan", "phy_lan", "phy_dmz"};
-  for (unsigned i = 0; i < phys_.size(); ++i) {
-    archive.Group(kNames[i], [&] { phys_[i].State(archive); });
+  auto phy = phys_.begin();
+  for (const char* const name : {"phy_wan", "phy_lan", "phy_dmz"}) {
+    archive.Group(name, [&] { phy->State(archive); });
+    ++phy;
   }
   archive.Hex("started", started_);
   archive.Count("loads_left", loads_left_);

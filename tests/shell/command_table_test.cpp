@@ -172,7 +172,7 @@ TEST(CommandTable, HoldsEveryFormOfEveryCommandInOrder) {
   EXPECT_EQ(row, CommandTable.size());
 }
 
-TEST(CommandTable, Has111RowsOf29Commands) {
+TEST(CommandTable, HasAsManyRowsAndCommandsAsPromised) {
   EXPECT_EQ(CommandTable.size(), 111U);
   EXPECT_EQ(kCommandRows, 111);
   EXPECT_EQ(kCommands.size(), 29U);
