@@ -30,24 +30,24 @@ def say(text):
     print(text, file=sys.stderr, flush=True)
 
 
+def figure(value):
+    return f"{value:,.4g}" if value < 1e4 else f"{value:,.0f}"
+
+
 def cells(row):
     """A row of the table as texts."""
     name, value = next(iter(row.beside.items()), ("", None))
-    beside = "" if value is None else f"{name} {value:,.4g}" if value < 1e4 else f"{name} {value:,.0f}"
-    ours = f"{row.ours:,.4g}" if row.ours < 1e4 else f"{row.ours:,.0f}"
+    beside = "" if value is None else f"{name} {figure(value)}"
     ratio = "" if row.ratio is None else f"{row.ratio:.2f}"
-    goal = ("at least " if row.least else "at most ") + f"{row.goal:,.4g}" if row.goal < 1e4 else (
-        f"at most {row.goal:,.0f}")
-    if row.of_ratio:
-        goal += " x"
-    return row.what, f"{ours} {row.unit}", beside, ratio, goal, "met" if row.met else "NOT MET"
+    goal = f"at {'least' if row.least else 'most'} {figure(row.goal)}{' x' if row.of_ratio else ''}"
+    ours = f"{figure(row.ours)} {row.unit}"
+    return row.what, ours, beside, ratio, goal, "met" if row.met else "NOT MET"
 
 
 def more(row):
     """What else is known: further peers, notes."""
     others = {**dict(list(row.beside.items())[1:]), **row.notes}
-    return ", ".join(f"{name} {value:,.4g}" if value < 1e4 else f"{name} {value:,.0f}"
-                     for name, value in others.items())
+    return ", ".join(f"{name} {figure(value)}" for name, value in others.items())
 
 
 def table(rows):
