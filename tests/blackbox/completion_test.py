@@ -2,6 +2,7 @@
 
 import os
 import re
+import shlex
 import tempfile
 import unittest
 
@@ -47,7 +48,7 @@ class CompletionTest(unittest.TestCase):
         )
         self.addCleanup(self.bash.close, force=True)
         for line in ("bind 'set enable-bracketed-paste off'", f". {BASH_COMPLETION}",
-                     f". {COMPLETION}"):
+                     f". {shlex.quote(COMPLETION)}"):
             self.bash.sendline(line)
         self.bash.sendline("echo loa''ded")
         self.bash.expect_exact("loaded\r\nbash> ")

@@ -4,6 +4,7 @@ import ctypes
 import glob
 import json
 import os
+import shlex
 import shutil
 import signal
 import stat
@@ -484,7 +485,7 @@ class Saving(StateTest):
         script = (
             f"mount -t tmpfs -o size=16k disk {self.folder} && cd {self.folder} && "
             f"echo old >saved && {commands} && "
-            f"{BOARD} --save {self.path('saved')}; status=$?; "
+            f"{shlex.quote(BOARD)} --save {self.path('saved')}; status=$?; "
             "echo; echo AFTER; ls; cat saved; exit $status"
         )
         done = support.run([*MOUNTS, "sh", "-c", script], b"zz\n")
