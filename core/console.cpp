@@ -48,8 +48,12 @@ int g_column = 0;
 void ConsolePuts(const char* text) {
   int column = g_column;
   const char* run = text;
-  for (; *text != '\0'; ++text) {
-    if (*text == '\r' || *text == '\n') column = 0;
+  for (;; ++text) {
+    const auto c = static_cast<unsigned char>(*text);
+    if (c <= '\r') {  // One test for most characters.
+      if (c == '\0') break;
+      if (c == '\r' || c == '\n') column = 0;
+    }
     if (column > kLastColumn) {
       ConsoleSend(run, static_cast<std::size_t>(text - run));
       ConsoleSend(kWrap, sizeof(kWrap) - 1);
