@@ -33,6 +33,9 @@ ENVIRONMENT = [
     "TERM=dumb",
 ]
 
+# Its suppressions name functions of the C library, whose names the installed program has not.
+NEED_SYMBOLS = ("blackbox.valgrind",)
+
 # What the black-box tests take from their environment, where it is installed.
 INSTALLED = {
     "VIRTUAL_BOARD": "/usr/bin/virtual-board",
@@ -86,6 +89,9 @@ def files():
 def setUpModule():
     # Programs that enter a namespace of their own need a root that is a mount point.
     mount("--bind", ROOT, ROOT)
+    # An installer writes this file, which belongs to no package.
+    with open(os.path.join(ROOT, "etc", "hosts"), "w", encoding="ascii") as hosts:
+        hosts.write("127.0.0.1 localhost\n")
     mount("-t", "proc", "proc", os.path.join(ROOT, "proc"))
     mount("-t", "devpts", "devpts", os.path.join(ROOT, "dev", "pts"))
     do("apt-get", "-q", "update")
@@ -174,7 +180,7 @@ class BlackBox(unittest.TestCase):
         ran = 0
         for test in tests:
             environment = self.environment(test)
-            if not environment:
+            if not environment or test["name"] in NEED_SYMBOLS:
                 continue
             ran += 1
             with self.subTest(test["name"]):
