@@ -9,6 +9,12 @@ import sys
 import termios
 import unittest
 
+# Who starts the tests may ignore these, as for a job in the background, and the programs would
+# inherit that.
+signal.signal(signal.SIGINT, signal.default_int_handler)
+for number in (signal.SIGHUP, signal.SIGQUIT, signal.SIGTERM):
+    signal.signal(number, signal.SIG_DFL)
+
 SKIPPED = 77
 
 try:
