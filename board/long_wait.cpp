@@ -2,8 +2,8 @@
 
 #include <bit>
 
-#include "board/hex.h"
 #include "board/registers/register_blocks.h"
+#include "chip/hex.h"
 
 namespace board {
 namespace {
@@ -29,7 +29,7 @@ std::string DescribeWait(const monitor::Awaited& awaited) {
       text.append(" (").append(block.title).append(")");
     }
   }
-  text.append(" at ").append(Hex(awaited.offset, 4)).append(", which is clear after ");
+  text.append(" at ").append(chip::Hex(awaited.offset, 4)).append(", which is clear after ");
   return text.append(std::to_string(monitor::LongWait::kFirstLook)).append(" loads");
 }
 

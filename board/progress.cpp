@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
-#include "board/hex.h"
+#include "chip/hex.h"
 #include "shell/line_editor.h"
 
 namespace board {
@@ -19,7 +19,7 @@ std::string LineText() {
     if (c >= ' ' && c <= '~') {
       text += c;
     } else {
-      text.append("\\x").append(Hex(static_cast<unsigned char>(c), 2));
+      text.append("\\x").append(chip::Hex(static_cast<unsigned char>(c), 2));
     }
   }
   return text;

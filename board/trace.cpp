@@ -9,8 +9,8 @@
 #include <system_error>
 #include <utility>
 
-#include "board/hex.h"
 #include "board/message.h"
+#include "chip/hex.h"
 
 namespace board {
 namespace {
@@ -37,8 +37,8 @@ class BrokenPipeIsError {
 std::string Notation(const char* memory, const chip::Access& access, unsigned address_digits) {
   std::string text = memory;
   text.append(access.store ? "w" : "r").append(std::to_string(8 * access.width)).append(" ");
-  text.append(Hex(access.offset, address_digits)).append(" ");
-  return text.append(Hex(access.value, 2 * access.width));
+  text.append(chip::Hex(access.offset, address_digits)).append(" ");
+  return text.append(chip::Hex(access.value, 2 * access.width));
 }
 
 std::string RegisterNotation(const chip::Access& access) { return Notation("", access, 4); }
@@ -66,7 +66,7 @@ void Trace::Watch(chip::RouterChip& chip) {
     Add(RegisterNotation(access) + (explanation.empty() ? "" : "  " + explanation));
   };
   chip.frames.memory.observer = [this](const chip::Access& access) { Add(MemoryNotation(access)); };
-  chip.on_map = [this](std::uint16_t base) { Add("map " + Hex(base, 4)); };
+  chip.on_map = [this](std::uint16_t base) { Add("map " + chip::Hex(base, 4)); };
   chip.on_lock = [this](bool locked) { Add(locked ? "lock" : "unlock"); };
 }
 

@@ -1,18 +1,13 @@
 #include "chip/register_file.h"
 
 #include <cassert>
-#include <cstdio>
+
+#include "chip/hex.h"
 
 namespace chip {
 namespace {
 
-std::string Hex(std::uint32_t value) {
-  char text[9];
-  std::snprintf(text, sizeof(text), "%04x", value);
-  return text;
-}
-
-std::string HoleText(std::uint32_t offset) { return "no register at " + Hex(offset); }
+std::string HoleText(std::uint32_t offset) { return "no register at " + Hex(offset, 4); }
 
 }  // namespace
 
@@ -34,10 +29,10 @@ void RegisterFile::Claim(std::uint16_t offset, unsigned width, const char* name,
 
 bool RegisterFile::ComplainOfAddress(std::uint32_t offset, unsigned width) {
   if (std::uint64_t{offset} + width > kSize) {
-    Complain("access outside the window at " + Hex(offset));
+    Complain("access outside the window at " + Hex(offset, 4));
     return false;
   }
-  Complain("access not aligned at " + Hex(offset));
+  Complain("access not aligned at " + Hex(offset, 4));
   return true;
 }
 
@@ -133,7 +128,7 @@ void RegisterFile::Complain(const std::string& text) {
 }
 
 void RegisterFile::ComplainOfStore(const Row& row, std::uint32_t offset) {
-  Complain("store to read-only " + row.name + " at " + Hex(offset));
+  Complain("store to read-only " + row.name + " at " + Hex(offset, 4));
 }
 
 void RegisterFile::ComplainOfHole(std::uint32_t offset) {
@@ -159,7 +154,7 @@ void RegisterFile::State(StateArchive& archive) {
       if (row_at_[offset] == kUnclaimed) continue;
       const Row& row = rows_[row_at_[offset]];
       if (row.offset != offset) continue;
-      const std::string key = Hex(offset).append(" ").append(row.name);
+      const std::string key = Hex(offset, 4).append(" ").append(row.name);
       const std::uint32_t reset = row.behaviour.reset;
       if (archive.Omits(key, Assemble(offset, row.width) == reset)) {
         Disassemble(offset, row.width, reset);
@@ -176,10 +171,10 @@ void RegisterFile::HoleState(StateArchive& archive) {
   archive.Group("no_register", [&] {
     for (std::uint32_t offset = 0; offset < kSize; ++offset) {
       if (row_at_[offset] != kUnclaimed) continue;
-      if (archive.Omits(Hex(offset), bytes_[offset] == 0)) {
+      if (archive.Omits(Hex(offset, 4), bytes_[offset] == 0)) {
         bytes_[offset] = 0;
       } else {
-        archive.Hex(Hex(offset), bytes_[offset]);
+        archive.Hex(Hex(offset, 4), bytes_[offset]);
       }
     }
   });

@@ -10,6 +10,8 @@
 #include <span>
 #include <string>
 
+#include "chip/hex.h"
+
 namespace chip {
 
 /// Whoever goes through the state: it notes each value, or replaces each by what was noted.
@@ -69,7 +71,7 @@ class StateArchive {
   void Table(const std::string& name, std::array<Entry, N>& entries, List list) {
     Enter(name);
     for (std::size_t i = 0; i < N; ++i) {
-      const std::string key = HexText(i, 2);
+      const std::string key = chip::Hex(i, 2);
       if (Omits(key, entries[i] == Entry{})) {
         entries[i] = {};
       } else {
@@ -77,12 +79,6 @@ class StateArchive {
       }
     }
     Leave();
-  }
-
-  [[nodiscard]] static std::string HexText(std::uint64_t value, unsigned digits) {
-    std::string text(digits, '0');
-    for (unsigned i = digits; i-- != 0; value >>= 4) text[i] = "0123456789abcdef"[value & 0xF];
-    return text;
   }
 
  private:

@@ -1,7 +1,7 @@
 #include "board/registers/register_names.h"
 
-#include "board/hex.h"
 #include "board/registers/register_blocks.h"
+#include "chip/hex.h"
 
 namespace board {
 namespace {
@@ -45,7 +45,7 @@ std::string RegisterNames::Explain(const chip::Access& access) const {
   }
   for (unsigned i = 0; i < row->field_count; ++i) {
     const monitor::Field& field = row->fields[i];
-    text.append(" ").append(field.name).append("=").append(Hex(field.Get(access.value)));
+    text.append(" ").append(field.name).append("=").append(chip::Hex(field.Get(access.value)));
   }
   return text;
 }

@@ -1,9 +1,9 @@
 #include <algorithm>
 #include <sstream>
 
-#include "board/hex.h"
 #include "board/registers/register_blocks.h"
 #include "board/registers/writers.h"
+#include "chip/hex.h"
 
 namespace board {
 namespace {
@@ -25,7 +25,7 @@ std::string Escaped(const std::string& text) {
   return escaped;
 }
 
-std::string Number(std::uint32_t value) { return "0x" + Hex(value); }
+std::string Number(std::uint32_t value) { return "0x" + chip::Hex(value); }
 
 /// Elements, indented by their depth.
 class Xml {

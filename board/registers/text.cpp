@@ -1,9 +1,9 @@
 #include <iomanip>
 #include <sstream>
 
-#include "board/hex.h"
 #include "board/registers/register_blocks.h"
 #include "board/registers/writers.h"
+#include "chip/hex.h"
 
 namespace board {
 namespace {
@@ -49,8 +49,8 @@ std::string WriteText(const ChipMap& chip) {
   for (const RegisterBlock& block : RegisterBlocks()) {
     out << '\n' << block.title << '\n';
     for (const RegisterRow& row : block.rows) {
-      std::string place = Hex(row.offset, 4);
-      if (row.count > 1) place.append("-").append(Hex(row.offset + row.count - 1U, 4));
+      std::string place = chip::Hex(row.offset, 4);
+      if (row.count > 1) place.append("-").append(chip::Hex(row.offset + row.count - 1U, 4));
       std::string meaning = row.meaning;
       if (*row.on_load != '\0') meaning.append("; a load ").append(row.on_load);
       Line(out, place, 8U * row.width, chip.Use(row, AllBits(row)), row.name, meaning);

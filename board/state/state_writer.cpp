@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "chip/hex.h"
+
 namespace board {
 
 using nlohmann::ordered_json;
@@ -34,7 +36,7 @@ void StateWriter::EnterList(const std::string& name, std::size_t& /*size*/, std:
 
 void StateWriter::Bytes(const std::string& name, std::span<std::uint8_t> bytes) {
   std::string text;
-  for (const std::uint8_t byte : bytes) text += HexText(byte, 2);
+  for (const std::uint8_t byte : bytes) text += chip::Hex(byte, 2);
   Add(name, text);
 }
 
@@ -48,7 +50,7 @@ void StateWriter::Require(bool /*holds*/, const std::string& /*name*/,
 
 void StateWriter::HexNumber(const std::string& name, std::uint64_t& value, std::uint64_t /*bits*/,
                             unsigned digits) {
-  Add(name, HexText(value, digits));
+  Add(name, chip::Hex(value, digits));
 }
 
 void StateWriter::DecimalNumber(const std::string& name, std::uint64_t& value,

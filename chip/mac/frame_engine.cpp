@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 
+#include "chip/hex.h"
 #include "core/port_id.h"
 #include "mac/frame_registers.h"
 #include "mac/port_config_registers.h"
@@ -272,7 +273,7 @@ void FrameEngine::QueueState(StateArchive& archive) {
 
 void FrameEngine::RebuildBuffers(StateArchive& archive, const std::deque<std::uint8_t>& held) {
   const auto require = [&](bool holds, const char* name, unsigned handle, const char* reason) {
-    archive.Require(holds, name, "buffer " + StateArchive::HexText(handle, 2) + " " + reason);
+    archive.Require(holds, name, "buffer " + Hex(handle, 2) + " " + reason);
   };
   buffers_.fill({});
   for (const std::uint8_t handle : pool_) {

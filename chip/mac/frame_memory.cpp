@@ -1,8 +1,8 @@
 #include "chip/mac/frame_memory.h"
 
 #include <algorithm>
-#include <cstdio>
 
+#include "chip/hex.h"
 #include "mac/frame_registers.h"
 
 namespace chip {
@@ -67,11 +67,9 @@ void FrameMemory::StoreSpecial(std::uint32_t address, unsigned width, std::uint1
 
 void FrameMemory::Complain(std::uint32_t address, unsigned width) {
   const bool aligned = Offset(address) % width == 0;
-  char where[9];
-  std::snprintf(where, sizeof(where), "%08x", address);
   registers_.Complain(std::string(aligned ? "memory access outside the frame buffers at "
                                           : "memory access not aligned at ") +
-                      where);
+                      Hex(address, 8));
 }
 
 std::uint8_t& FrameMemory::HeaderByte(unsigned handle, std::uint32_t offset) {
@@ -97,12 +95,12 @@ void FrameMemory::State(StateArchive& archive) {
     const auto all = std::span(bytes_);
     for (std::size_t at = 0; at < kSize; at += kBufferSize) {
       const auto buffer = all.subspan(at, std::min<std::size_t>(kBufferSize, kSize - at));
-      const std::string key = StateArchive::HexText(at / kBufferSize, 2);
+      const std::string key = Hex(at / kBufferSize, 2);
       if (LeavesOutZeros(archive, key, buffer)) continue;
       archive.Group(key, [&] {
         for (std::size_t row = 0; row < buffer.size(); row += kRowSize) {
           const auto bytes = buffer.subspan(row, kRowSize);
-          const std::string row_key = StateArchive::HexText(row, 3);
+          const std::string row_key = Hex(row, 3);
           if (!LeavesOutZeros(archive, row_key, bytes)) archive.Bytes(row_key, bytes);
         }
       });

@@ -1,5 +1,7 @@
 #include "chip/system/phy.h"
 
+#include "chip/hex.h"
+
 namespace chip {
 namespace {
 
@@ -84,7 +86,7 @@ void Phy::StoreControl(std::uint16_t value) {
 void Phy::State(StateArchive& archive) {
   archive.Group("registers", [&] {
     for (unsigned reg = 0; reg < kRegisters; ++reg) {
-      const std::string key = StateArchive::HexText(reg, 2);
+      const std::string key = Hex(reg, 2);
       if (archive.Omits(key, registers_[reg] == 0)) {
         registers_[reg] = 0;
       } else {
