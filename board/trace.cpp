@@ -61,10 +61,10 @@ Trace::~Trace() {
 }
 
 void Trace::Watch(chip::RouterChip& chip) {
-  chip.registers.observer = [this](const chip::Access& access) {
+  chip.registers.Watch([this](const chip::Access& access) {
     const std::string explanation = names_.Explain(access);
     Add(RegisterNotation(access) + (explanation.empty() ? "" : "  " + explanation));
-  };
+  });
   chip.frames.memory.observer = [this](const chip::Access& access) { Add(MemoryNotation(access)); };
   chip.on_map = [this](std::uint16_t base) { Add("map " + chip::Hex(base, 4)); };
   chip.on_lock = [this](bool locked) { Add(locked ? "lock" : "unlock"); };

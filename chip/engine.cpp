@@ -16,8 +16,10 @@ Engine::Engine(RegisterFile& registers, std::string name, monitor::Reg8 command,
       name_(std::move(name)),
       command_(command),
       bits_(bits),
+      done_bits_(static_cast<std::uint8_t>(bits.read_done | bits.write_done)),
+      status_bits_(static_cast<std::uint8_t>(done_bits_ | bits.result)),
       operation_(std::move(operation)),
-      status_(static_cast<std::uint8_t>(bits.read_done | bits.write_done)) {
+      status_(done_bits_) {
   registers.Define(command, {.reset = status_,
                              .before_load = [this] { BeforeLoad(); },
                              .after_store =
@@ -29,17 +31,13 @@ Engine::Engine(RegisterFile& registers, std::string name, monitor::Reg8 command,
 
 void Engine::SetFault(Fault fault) {
   fault_ = fault;
-  Publish();
+  Publish(registers_.Get(command_));
 }
 
 void Engine::Reset() {
-  status_ = static_cast<std::uint8_t>(bits_.read_done | bits_.write_done);
+  status_ = done_bits_;
   SetLoadsLeft(0);
   registers_.Set(command_, status_);
-}
-
-std::uint8_t Engine::StatusBits() const {
-  return static_cast<std::uint8_t>(bits_.read_done | bits_.write_done | bits_.result);
 }
 
 std::uint8_t Engine::DoneBit() const {
@@ -53,49 +51,52 @@ void Engine::SetLoadsLeft(unsigned loads) {
 
 void Engine::BeforeLoad() {
   if (loads_left_ == 0 || fault_.kind == Fault::Kind::kHang) return;
-  SetLoadsLeft(loads_left_ - 1);
-  if (loads_left_ != 0) return;
+  const unsigned left = loads_left_ - 1;
+  SetLoadsLeft(left);
+  if (left != 0) return;
   Complete();
-  Publish();
+  Publish(registers_.Get(command_));
 }
 
 void Engine::AfterStore(std::uint8_t stored) {
-  if ((stored & bits_.start) != 0) {
-    if (loads_left_ != 0) registers_.Complain(name_ + " engine started while busy");
-    const int kept = bits_.start_clears_done ? 0 : stored;
-    status_ &= static_cast<std::uint8_t>(kept | ~(bits_.read_done | bits_.write_done));
-    started_ = stored;
-    // Nothing but a load ends an operation, so it takes at least one.
-    SetLoadsLeft(fault_.kind == Fault::Kind::kSlow ? std::max(fault_.loads, 1U) : kUsualLoads);
-  }
-  Publish();
+  if ((stored & bits_.start) != 0) Start(stored);
+  Publish(stored);
   if (on_store) on_store(stored);
 }
 
-void Engine::Complete() {
-  const bool failed = fault_.kind == Fault::Kind::kFail || !operation_(started_);
-  status_ &= static_cast<std::uint8_t>(~bits_.result);
-  if (!failed) status_ |= bits_.result;
-  status_ |= DoneBit();
+void Engine::Start(std::uint8_t command) {
+  if (loads_left_ != 0) ComplainOfStart();
+  started_ = command;
+  // Nothing but a load ends an operation, so it takes at least one.
+  SetLoadsLeft(fault_.kind == Fault::Kind::kSlow ? std::max(fault_.loads, 1U) : kUsualLoads);
+  const int kept = bits_.start_clears_done ? 0 : command;
+  status_ &= static_cast<std::uint8_t>(kept | ~done_bits_);
 }
 
-void Engine::Publish() {
+void Engine::ComplainOfStart() { registers_.Complain(name_ + " engine started while busy"); }
+
+void Engine::Complete() {
+  const bool failed = fault_.kind == Fault::Kind::kFail || !operation_(started_);
+  const int others = status_ & ~bits_.result;
+  const int result = failed ? 0 : bits_.result;
+  status_ = static_cast<std::uint8_t>(others | result | DoneBit());
+}
+
+void Engine::Publish(std::uint8_t command) {
   const bool busy = fault_.kind == Fault::Kind::kBusy;
-  const auto shown =
-      static_cast<std::uint8_t>(busy ? status_ & ~(bits_.read_done | bits_.write_done) : status_);
-  const auto own = static_cast<std::uint8_t>(registers_.Get(command_) & ~StatusBits());
-  registers_.Set(command_, static_cast<std::uint8_t>(own | shown));
+  const int shown = busy ? status_ & ~done_bits_ : status_;
+  registers_.Set(command_, static_cast<std::uint8_t>((command & ~status_bits_) | shown));
 }
 
 void Engine::State(StateArchive& archive) {
   archive.Group("engine", [&] {
-    archive.Hex("status", status_, StatusBits());
+    archive.Hex("status", status_, status_bits_);
     archive.Hex("started", started_);
     archive.Count("loads_left", loads_left_);
   });
   if (!archive.Loading()) return;
   SetLoadsLeft(loads_left_);
-  Publish();
+  Publish(registers_.Get(command_));
 }
 
 }  // namespace chip

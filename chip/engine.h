@@ -58,23 +58,27 @@ class Engine {
   std::function<void(std::uint8_t stored)> on_store;
 
  private:
-  [[nodiscard]] std::uint8_t StatusBits() const;
   [[nodiscard]] std::uint8_t DoneBit() const;
   /// Loads of the command byte are worth a call only while an operation is running.
   void SetLoadsLeft(unsigned loads);
   void BeforeLoad();
   void AfterStore(std::uint8_t stored);
+  void Start(std::uint8_t command);
+  void ComplainOfStart();
   void Complete();
-  void Publish();
+  /// Shows the status in the command byte, whose other bits are those of `command`.
+  void Publish(std::uint8_t command);
 
   RegisterFile& registers_;
   std::string name_;
   monitor::Reg8 command_;
   EngineBits bits_;
+  std::uint8_t done_bits_;
+  std::uint8_t status_bits_;  ///< Done and result bits.
   Operation operation_;
   Fault fault_;
 
-  std::uint8_t status_;       ///< Done and result bits.
+  std::uint8_t status_;
   std::uint8_t started_ = 0;  ///< The command byte of the running operation.
   unsigned loads_left_ = 0;   ///< Loads until the running operation is over; 0 when idle.
 };

@@ -11,17 +11,22 @@ std::string HoleText(std::uint32_t offset) { return "no register at " + Hex(offs
 
 }  // namespace
 
-RegisterFile::RegisterFile() { row_at_.fill(kUnclaimed); }
+RegisterFile::RegisterFile() {
+  row_at_.fill(kUnclaimed);
+  load_care_.fill(kSpecial);
+  store_care_.fill(kSpecial);
+}
 
 void RegisterFile::Claim(std::uint16_t offset, unsigned width, const char* name,
                          const Behaviour& behaviour) {
   assert(offset % width == 0 && offset + width <= kSize);
+  const bool special_store =
+      behaviour.read_only != 0 || behaviour.write_one_to_clear != 0 || behaviour.after_store;
   for (unsigned i = 0; i < width; ++i) {
     assert(row_at_[offset + i] == kUnclaimed);
     row_at_[offset + i] = static_cast<std::uint16_t>(rows_.size());
-    plain_load_[offset + i] = !behaviour.before_load;
-    plain_store_[offset + i] =
-        behaviour.read_only == 0 && behaviour.write_one_to_clear == 0 && !behaviour.after_store;
+    load_care_[offset + i] = CareOf(static_cast<bool>(behaviour.before_load));
+    store_care_[offset + i] = CareOf(special_store);
   }
   Disassemble(offset, width, behaviour.reset);
   rows_.push_back({offset, static_cast<std::uint8_t>(width), name, behaviour});
@@ -60,33 +65,46 @@ void RegisterFile::ForEachRow(std::uint32_t offset, unsigned width, VisitRow vis
   }
 }
 
-std::uint32_t RegisterFile::LoadSpecial(std::uint32_t offset, unsigned width) {
-  std::uint32_t value = WidthMask(width);
-  if (const Row* const row = WholeRow(offset, width)) {
-    Refresh(*row);
-    value = Assemble(offset, width);
-  } else if (IsProper(offset, width) || ComplainOfAddress(offset, width)) {
-    RefreshParts(offset, width);
-    value = Assemble(offset, width);
+void RegisterFile::Watch(std::function<void(const Access&)> observer) {
+  observer_ = std::move(observer);
+  watched_ = observer_ ? kWatched : 0;
+  for (Care* const care : {&load_care_, &store_care_}) {
+    for (std::uint8_t& one : *care) one = CareOf((one & kSpecial) != 0);
   }
-  if (observer) observer({.store = false, .width = width, .offset = offset, .value = value});
-  return value;
+}
+
+std::uint32_t RegisterFile::LoadSpecial(std::uint32_t offset, unsigned width) {
+  const Row* const row = WholeRow(offset, width);
+  if (row == nullptr || watched_ != 0) return LoadParts(offset, width);
+  Refresh(*row);
+  return Assemble(offset, width);
 }
 
 void RegisterFile::StoreSpecial(std::uint32_t offset, unsigned width, std::uint32_t value) {
-  if (observer) observer({.store = true, .width = width, .offset = offset, .value = value});
-  if (const Row* const row = WholeRow(offset, width)) {
-    StoreToRow(*row, offset, WidthMask(width), value);
-  } else if (IsProper(offset, width) || ComplainOfAddress(offset, width)) {
-    StoreParts(offset, width, value);
+  const Row* const row = WholeRow(offset, width);
+  if (row == nullptr || watched_ != 0) return StoreParts(offset, width, value);
+  const Behaviour& behaviour = row->behaviour;
+  if ((behaviour.read_only | behaviour.write_one_to_clear) != 0) {
+    return StoreToRow(*row, offset, WidthMask(width), value);
   }
+  // Command bytes, which are stored to most, have no masks.
+  Disassemble(offset, width, value);
+  if (behaviour.after_store) behaviour.after_store(value & WidthMask(width));
 }
 
-void RegisterFile::RefreshParts(std::uint32_t offset, unsigned width) {
-  ForEachRow(offset, width, Refresh, [](std::uint32_t) {});
+std::uint32_t RegisterFile::LoadParts(std::uint32_t offset, unsigned width) {
+  std::uint32_t value = WidthMask(width);
+  if (IsProper(offset, width) || ComplainOfAddress(offset, width)) {
+    ForEachRow(offset, width, Refresh, [](std::uint32_t) {});
+    value = Assemble(offset, width);
+  }
+  if (observer_) observer_({.store = false, .width = width, .offset = offset, .value = value});
+  return value;
 }
 
 void RegisterFile::StoreParts(std::uint32_t offset, unsigned width, std::uint32_t value) {
+  if (observer_) observer_({.store = true, .width = width, .offset = offset, .value = value});
+  if (!IsProper(offset, width) && !ComplainOfAddress(offset, width)) return;
   const auto store_part = [&](const Row& row) {
     // Line the access up with the register, of which it may reach a part.
     const unsigned left = 32 + 8 * (row.offset + row.width - offset - width);

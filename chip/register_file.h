@@ -53,7 +53,7 @@ class RegisterFile {
 
   /// Says whether loads of the register have to call its `before_load`, as they do at first. They
   /// are quicker without.
-  void CallBeforeLoad(monitor::Reg8 reg, bool on) { plain_load_[reg.offset] = !on; }
+  void CallBeforeLoad(monitor::Reg8 reg, bool on) { load_care_[reg.offset] = CareOf(on); }
 
   // What the registers hold, beside the bus: no hooks, no masks, no complaints.
   template <std::unsigned_integral T>
@@ -78,11 +78,11 @@ class RegisterFile {
   /// A bus load or store of `width` bytes. Values are register values (the byte at the lowest
   /// offset is the most significant). An access that leaves the window reads as all ones.
   [[nodiscard]] std::uint32_t Load(std::uint32_t offset, unsigned width) {
-    if (observer || !IsPlain(plain_load_, offset, width)) return LoadSpecial(offset, width);
+    if (!IsPlain(load_care_, offset, width)) return LoadSpecial(offset, width);
     return Assemble(offset, width);
   }
   void Store(std::uint32_t offset, unsigned width, std::uint32_t value) {
-    if (observer || !IsPlain(plain_store_, offset, width)) {
+    if (!IsPlain(store_care_, offset, width)) {
       StoreSpecial(offset, width, value);
     } else {
       Disassemble(offset, width, value);
@@ -108,8 +108,10 @@ class RegisterFile {
   [[nodiscard]] std::map<std::string, unsigned> Complaints() const;
   void ForgetComplaints();
 
-  /// Called after each load and before each store takes effect; empty when nobody watches.
-  std::function<void(const Access&)> observer;
+  /// The observer is called after each load and before each store takes effect; an empty one ends
+  /// that.
+  void Watch(std::function<void(const Access&)> observer);
+
   /// Called when a complaint is raised for the first time.
   std::function<void(const std::string&)> on_complaint;
 
@@ -123,8 +125,15 @@ class RegisterFile {
 
   static constexpr std::uint16_t kUnclaimed = 0xFFFF;
 
-  /// One flag for each byte of the window, so that an access looks at all of its bytes at once.
-  using ByteFlags = std::array<bool, kSize>;
+  /// What loads or stores have to take care of beside the storage, for each byte of the window, so
+  /// that an access looks at all of its bytes at once. 0: nothing.
+  using Care = std::array<std::uint8_t, kSize>;
+  static constexpr std::uint8_t kSpecial = 0x01;  ///< What the register does, or that there is none.
+  static constexpr std::uint8_t kWatched = 0x02;  ///< The observer.
+
+  [[nodiscard]] std::uint8_t CareOf(bool special) const {
+    return static_cast<std::uint8_t>(watched_ | (special ? kSpecial : 0));
+  }
 
   void Claim(std::uint16_t offset, unsigned width, const char* name, const Behaviour& behaviour);
 
@@ -136,9 +145,9 @@ class RegisterFile {
   [[nodiscard]] static bool IsProper(std::uint32_t offset, unsigned width) {
     return offset < kSize && (offset & (width - 1)) == 0;
   }
-  [[nodiscard]] static bool IsPlain(const ByteFlags& plain, std::uint32_t offset, unsigned width) {
-    constexpr ByteFlags::value_type kAllPlain[] = {true, true, true, true};
-    return IsProper(offset, width) && std::memcmp(&plain[offset], kAllPlain, width) == 0;
+  [[nodiscard]] static bool IsPlain(const Care& care, std::uint32_t offset, unsigned width) {
+    constexpr Care::value_type kNothing[] = {0, 0, 0, 0};
+    return IsProper(offset, width) && std::memcmp(&care[offset], kNothing, width) == 0;
   }
   [[nodiscard]] std::uint32_t Assemble(std::uint32_t offset, unsigned width) const {
     const std::uint8_t* const bytes = &bytes_[offset];
@@ -159,7 +168,8 @@ class RegisterFile {
 
   [[nodiscard]] std::uint32_t LoadSpecial(std::uint32_t offset, unsigned width);
   void StoreSpecial(std::uint32_t offset, unsigned width, std::uint32_t value);
-  void RefreshParts(std::uint32_t offset, unsigned width);
+  // Whatever the access reaches, parts of registers, several or none, and watched.
+  [[nodiscard]] std::uint32_t LoadParts(std::uint32_t offset, unsigned width);
   void StoreParts(std::uint32_t offset, unsigned width, std::uint32_t value);
   static void Refresh(const Row& row) {
     if (row.behaviour.before_load) row.behaviour.before_load();
@@ -180,8 +190,10 @@ class RegisterFile {
 
   std::vector<Row> rows_;
   std::array<std::uint16_t, kSize> row_at_;
-  ByteFlags plain_load_{};   ///< Bytes of registers whose loads need nothing but the storage,
-  ByteFlags plain_store_{};  ///< and of those whose stores need nothing else.
+  Care load_care_;
+  Care store_care_;
+  std::uint8_t watched_ = 0;  ///< What being watched adds to every byte's care.
+  std::function<void(const Access&)> observer_;
   std::array<std::uint8_t, kSize> bytes_{};
   std::map<std::string, unsigned> complaints_;
   /// Accesses to bytes without a register; dumps of the whole window make many.

@@ -9,7 +9,6 @@
 #include <cstring>
 #include <ctime>
 #include <filesystem>
-#include <vector>
 
 #include "board/message.h"
 #include "board/ports/descriptor.h"
@@ -77,10 +76,10 @@ class CapturePort : public Port {
   }
 
   std::optional<Frame> Receive() override {
+    if (answered_) Advance();
     if (!pending_ || (timer_.Open() && Now() < due_)) return {};
-    taken_.swap(next_);
-    Advance();
-    return Frame(taken_);
+    answered_ = true;
+    return next_;
   }
 
   void Send(Frame frame) override {
@@ -131,9 +130,10 @@ class CapturePort : public Port {
     if (pcap_dump_flush(dumper_.get()) != 0) throw PortError(CannotWrite());
   }
 
-  /// Reads the frame that Receive answers next, and sets the timer to its time.
+  /// Reads the frame that Receive answers next, and sets the timer to its time. What it answered
+  /// before is lost, as libpcap reuses the memory.
   void Advance() {
-    pending_ = false;
+    pending_ = answered_ = false;
     if (!input_) return;
     ++number_;
     pcap_pkthdr* header;
@@ -143,7 +143,7 @@ class CapturePort : public Port {
     if (result != 1) return Fail(pcap_geterr(input_.get()));
     if (header->caplen > kLongestFrame) return Fail("longer than 2016 bytes");
     if (header->caplen < header->len) return Fail("not captured whole");
-    next_.assign(data, data + header->caplen);
+    next_ = Frame(data, header->caplen);
     pending_ = true;
     if (timer_.Open()) Schedule(Nanoseconds({header->ts.tv_sec, header->ts.tv_usec}));
   }
@@ -187,9 +187,9 @@ class CapturePort : public Port {
   Capture output_;
   Dumper dumper_;
   Descriptor timer_;
-  std::vector<std::uint8_t> taken_;  ///< What Receive has answered last.
-  std::vector<std::uint8_t> next_;   ///< What it answers next, while that is pending.
-  bool pending_ = false;
+  Frame next_;             ///< What Receive answers next, or has answered last.
+  bool pending_ = false;   ///< There is such a frame, or it is not known whether one follows.
+  bool answered_ = false;  ///< Receive has answered it.
   unsigned number_ = 0;
   std::int64_t shift_ = 0;  ///< Monotonic time minus capture time.
   std::int64_t due_ = 0;    ///< When the next frame arrives, monotonic.

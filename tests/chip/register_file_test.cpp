@@ -230,7 +230,7 @@ TEST_F(Registers, GetAndSetWorkBesideTheBus) {
   static constexpr Reg16 kReg{0x102, "REG"};
   static constexpr RegBytes<3> kRun{0x108};
   unsigned seen = 0;
-  file_.observer = [&](const Access&) { ++seen; };
+  file_.Watch([&](const Access&) { ++seen; });
   file_.Define(
       kReg, {.read_only = 0xFFFF, .before_load = NoteLoad("load"), .after_store = Note("store")});
   file_.Set(kReg, 0x1234);
@@ -326,12 +326,12 @@ TEST_F(Registers, TheObserverSeesEachAccess) {
   static constexpr Reg16 kReg{0x102};
   std::vector<std::string> seen;
   file_.Define(kReg, {.before_load = [this] { file_.Set(kReg, 0x1234); }});
-  file_.observer = [&](const Access& access) {
+  file_.Watch([&](const Access& access) {
     char text[60];
     std::snprintf(text, sizeof(text), "%c%u %x %x, holds %x", access.store ? 'w' : 'r',
                   8 * access.width, access.offset, access.value, file_.Get(kReg));
     seen.emplace_back(text);
-  };
+  });
   file_.Store(0x102, 2, 0xABCD);
   (void)file_.Load(0x102, 2);
   (void)file_.Load(0x103, 1);
@@ -342,12 +342,12 @@ TEST_F(Registers, TheObserverSeesEachAccess) {
 
 TEST_F(Registers, TheObserverSeesAccessesOutsideTheWindowToo) {
   std::vector<std::string> seen;
-  file_.observer = [&](const Access& access) {
+  file_.Watch([&](const Access& access) {
     char text[40];
     std::snprintf(text, sizeof(text), "%c%u %x %x", access.store ? 'w' : 'r', 8 * access.width,
                   access.offset, access.value);
     seen.emplace_back(text);
-  };
+  });
   file_.Store(0x2000, 1, 0x5A);
   (void)file_.Load(0x1FFF, 2);
   EXPECT_EQ(seen, (std::vector<std::string>{"w8 2000 5a", "r16 1fff ffff"}));
