@@ -18,9 +18,6 @@ RouterChip::RouterChip() {
   DefineQos(registers);
   DefineRateControl(registers);
   registers.Define(monitor::kFilterControl);
-  frames.statistics.count = [this](unsigned port, unsigned counter, std::uint32_t amount) {
-    stat_counters.Count(port, counter, amount);
-  };
 }
 
 void RouterChip::Reset() {

@@ -69,7 +69,7 @@ class RouterChip {
   MiiInterface mii{registers};
   StatCounters stat_counters{registers};
   InterruptController interrupts{registers};
-  FrameEngine frames{registers, interrupts};
+  FrameEngine frames{registers, interrupts, stat_counters};
   NatTables nat{registers};
   L3RouteTable l3{registers};
   McastTable mcast{registers};

@@ -45,7 +45,8 @@ bool IsGroup(const MacAddress& mac) { return (mac[0] & 0x01) != 0; }
 
 }  // namespace
 
-FrameEngine::FrameEngine(RegisterFile& registers, InterruptController& interrupts)
+FrameEngine::FrameEngine(RegisterFile& registers, InterruptController& interrupts,
+                         StatCounters& counters)
     : memory(registers),
       transmit(registers, "tx", kTransmitCommand, kTransmitBits,
                [this](std::uint8_t) {
@@ -63,7 +64,8 @@ FrameEngine::FrameEngine(RegisterFile& registers, InterruptController& interrupt
                 return true;
               }),
       registers_(registers),
-      interrupts_(interrupts) {
+      interrupts_(interrupts),
+      statistics_(counters) {
   release.on_store = [this](std::uint8_t stored) { TakeAcknowledge(stored); };
   registers.Define(kReceiveHandle, {.read_only = 0xFF});
   registers.Define(kReleaseHandle);
@@ -112,7 +114,7 @@ bool FrameEngine::Receive(unsigned port, std::span<const std::uint8_t> frame) {
 }
 
 bool FrameEngine::Arrive(unsigned port, std::span<const std::uint8_t> frame) {
-  statistics.Received(port, frame);
+  statistics_.Received(port, frame);
   if (frame.size() > FrameStatistics::kLongestFrame) return false;
   return HandToCpu(port, Classify(port, frame), frame);
 }
@@ -120,7 +122,7 @@ bool FrameEngine::Arrive(unsigned port, std::span<const std::uint8_t> frame) {
 bool FrameEngine::HandToCpu(unsigned port, ReceiveReason reason,
                             std::span<const std::uint8_t> frame) {
   if (pool_.empty()) {
-    statistics.Dropped(port);
+    statistics_.Dropped(port);
     return false;
   }
   const std::uint8_t handle = pool_.front();
@@ -173,26 +175,28 @@ void FrameEngine::Transmit() {
   } else if (good && queues_[port].size() < kLongestQueue) {
     ++buffers_[handle].queued;
     queues_[port].push_back({.handle = handle, .length = length});
+    SendQueued(port);
   } else {
-    statistics.SendFailed(port);
+    statistics_.SendFailed(port);
   }
-  SendQueued();
 }
 
 void FrameEngine::SendQueued() {
-  for (unsigned port = 0; port < kMacPorts; ++port) {
-    while (!queues_[port].empty() && LinkUp(port)) {
-      const Transmission next = queues_[port].front();
-      queues_[port].pop_front();
-      Send(port, next);
-    }
+  for (unsigned port = 0; port < kMacPorts; ++port) SendQueued(port);
+}
+
+void FrameEngine::SendQueued(unsigned port) {
+  while (!queues_[port].empty() && LinkUp(port)) {
+    const Transmission next = queues_[port].front();
+    queues_[port].pop_front();
+    Send(port, next);
   }
 }
 
 void FrameEngine::Send(unsigned port, Transmission transmission) {
   const std::span<const std::uint8_t> frame =
       memory.Frame(transmission.handle, transmission.length);
-  statistics.Sent(port, frame);
+  statistics_.Sent(port, frame);
   if (LoopedBack(port)) {
     Arrive(port, frame);
   } else if (on_transmit) {

@@ -28,7 +28,7 @@ class FrameEngine {
   static constexpr unsigned kCpuPort = 3;            ///< Frames sent to it come back as received.
   static constexpr std::size_t kLongestQueue = 256;  ///< Frames that a port keeps while down.
 
-  FrameEngine(RegisterFile& registers, InterruptController& interrupts);
+  FrameEngine(RegisterFile& registers, InterruptController& interrupts, StatCounters& counters);
   FrameEngine(const FrameEngine&) = delete;
   FrameEngine& operator=(const FrameEngine&) = delete;
 
@@ -55,7 +55,6 @@ class FrameEngine {
   std::function<void(unsigned port, std::span<const std::uint8_t> frame)> on_transmit;
 
   FrameMemory memory;
-  FrameStatistics statistics;
   Engine transmit;  ///< "tx"
   Engine status;    ///< "status"
   Engine release;   ///< "release"
@@ -81,6 +80,7 @@ class FrameEngine {
   void TakeAcknowledge(std::uint8_t control);
 
   void Transmit();
+  void SendQueued(unsigned port);
   void Send(unsigned port, Transmission transmission);
   void CountUses();
   void Release();
@@ -92,6 +92,7 @@ class FrameEngine {
 
   RegisterFile& registers_;
   InterruptController& interrupts_;
+  FrameStatistics statistics_;
   std::array<Buffer, 256> buffers_;
   std::deque<std::uint8_t> pool_;
   std::deque<std::uint8_t> received_;  ///< Not yet acknowledged, the offered one first.

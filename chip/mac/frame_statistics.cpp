@@ -5,8 +5,6 @@
 namespace chip {
 namespace {
 
-constexpr unsigned kMacPorts = 3;
-
 /// The check sequence is on the wire but not in the frames that the model passes around.
 constexpr std::size_t kCheckSequence = 4;
 
@@ -55,11 +53,12 @@ bool IsBroadcast(std::span<const std::uint8_t> frame) {
 
 }  // namespace
 
-void FrameStatistics::Count(unsigned port, unsigned counter, std::size_t amount) const {
-  if (count && port < kMacPorts) count(port, counter, static_cast<std::uint32_t>(amount));
+void FrameStatistics::Count(unsigned port, unsigned counter, std::size_t amount) {
+  if (port >= StatCounters::kPorts) return;
+  counters_.Count(port, counter, static_cast<std::uint32_t>(amount));
 }
 
-void FrameStatistics::Received(unsigned port, std::span<const std::uint8_t> frame) const {
+void FrameStatistics::Received(unsigned port, std::span<const std::uint8_t> frame) {
   const std::size_t wire_length = frame.size() + kCheckSequence;
   Count(port, kTotalFramesReceived);
   Count(port, kTotalBytesReceived, wire_length);
@@ -77,13 +76,13 @@ void FrameStatistics::Received(unsigned port, std::span<const std::uint8_t> fram
   }
 }
 
-void FrameStatistics::Dropped(unsigned port) const { Count(port, kDropped); }
+void FrameStatistics::Dropped(unsigned port) { Count(port, kDropped); }
 
-void FrameStatistics::Sent(unsigned port, std::span<const std::uint8_t> frame) const {
+void FrameStatistics::Sent(unsigned port, std::span<const std::uint8_t> frame) {
   Count(port, kBytesSent, frame.size() + kCheckSequence);
   Count(port, IsGroup(frame) ? kNonUnicastSent : kUnicastSent);
 }
 
-void FrameStatistics::SendFailed(unsigned port) const { Count(port, kSendFailed); }
+void FrameStatistics::SendFailed(unsigned port) { Count(port, kSendFailed); }
 
 }  // namespace chip

@@ -3,30 +3,29 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <span>
 
-namespace chip {
+#include "chip/mac/stat_counters.h"
 
-/// Counter `counter` (0 to 27) of a MAC port (0 WAN, 1 LAN, 2 DMZ) goes up by `amount`.
-using CountHook = std::function<void(unsigned port, unsigned counter, std::uint32_t amount)>;
+namespace chip {
 
 class FrameStatistics {
  public:
   /// Frames longer than this, without their check sequence, are oversize.
   static constexpr std::size_t kLongestFrame = 1524;
 
-  // Each of these counts for MAC ports only.
-  void Received(unsigned port, std::span<const std::uint8_t> frame) const;
-  void Dropped(unsigned port) const;
-  void Sent(unsigned port, std::span<const std::uint8_t> frame) const;
-  void SendFailed(unsigned port) const;
+  explicit FrameStatistics(StatCounters& counters) : counters_(counters) {}
 
-  /// Empty when nobody counts.
-  CountHook count;
+  // Each of these counts for MAC ports only.
+  void Received(unsigned port, std::span<const std::uint8_t> frame);
+  void Dropped(unsigned port);
+  void Sent(unsigned port, std::span<const std::uint8_t> frame);
+  void SendFailed(unsigned port);
 
  private:
-  void Count(unsigned port, unsigned counter, std::size_t amount = 1) const;
+  void Count(unsigned port, unsigned counter, std::size_t amount = 1);
+
+  StatCounters& counters_;
 };
 
 }  // namespace chip
