@@ -128,7 +128,7 @@ class RegisterFile {
   /// What loads or stores have to take care of beside the storage, for each byte of the window, so
   /// that an access looks at all of its bytes at once. 0: nothing.
   using Care = std::array<std::uint8_t, kSize>;
-  static constexpr std::uint8_t kSpecial = 0x01;  ///< What the register does, or that there is none.
+  static constexpr std::uint8_t kSpecial = 0x01;  ///< What the register does, or its absence.
   static constexpr std::uint8_t kWatched = 0x02;  ///< The observer.
 
   [[nodiscard]] std::uint8_t CareOf(bool special) const {

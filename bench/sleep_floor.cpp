@@ -1,0 +1,9 @@
+// The least that looking for frames every millisecond costs: sleeping that often. Ends by a signal.
+#include <poll.h>
+
+#include <ctime>
+
+int main() {
+  constexpr timespec kMillisecond{.tv_sec = 0, .tv_nsec = 1'000'000};
+  for (;;) ppoll(nullptr, 0, &kMillisecond, nullptr);
+}
