@@ -73,7 +73,7 @@ class Story {
   }
 
   void BringUp() {
-    for (unsigned port = 0; port < chip::FrameEngine::kMacPorts; ++port) {
+    for (unsigned port = 0; port < chip::kMacPorts; ++port) {
       chip_->registers.Set(monitor::kMacControl[port], monitor::kMacLinkUp.Mask());
     }
     chip_->frames.SendQueued();
@@ -91,7 +91,7 @@ class Story {
   }
 
   void Link(unsigned port) {
-    if (port >= chip::FrameEngine::kMacPorts) return;
+    if (port >= chip::kMacPorts) return;
     chip_->registers.Set(monitor::kMacControl[port], input_.Byte());
     chip_->frames.SendQueued();
   }

@@ -14,7 +14,8 @@ namespace {
 constexpr std::uint8_t kPortUp =
     monitor::kMacLinkUp.Mask() | monitor::kMacSpeed100.Mask() | monitor::kMacFullDuplex.Mask();
 
-const std::vector<std::string> kInterfaceNames{"wan", "lan", "dmz"};
+const std::vector<std::string> kInterfaceNames{chip::kMacPortNames.begin(),
+                                               chip::kMacPortNames.end()};
 
 /// Most frames that one port brings in one poll, so that none starves the others.
 constexpr unsigned kFramesPerPoll = 64;

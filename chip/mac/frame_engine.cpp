@@ -257,11 +257,10 @@ void FrameEngine::State(StateArchive& archive) {
 }
 
 void FrameEngine::QueueState(StateArchive& archive) {
-  constexpr const char* kNames[] = {"wan", "lan", "dmz"};
   for (unsigned port = 0; port < kMacPorts; ++port) {
     std::deque<Transmission>& queue = queues_[port];
     std::size_t size = queue.size();
-    archive.EnterList(kNames[port], size, kLongestQueue);
+    archive.EnterList(kMacPortNames[port], size, kLongestQueue);
     queue.resize(size);
     for (Transmission& transmission : queue) {
       archive.EnterElement();

@@ -24,7 +24,6 @@ enum class ReceiveReason : std::uint8_t {
 
 class FrameEngine {
  public:
-  static constexpr unsigned kMacPorts = 3;           ///< Ports 0 WAN, 1 LAN, 2 DMZ.
   static constexpr unsigned kCpuPort = 3;            ///< Frames sent to it come back as received.
   static constexpr std::size_t kLongestQueue = 256;  ///< Frames that a port keeps while down.
 

@@ -54,7 +54,7 @@ bool IsBroadcast(std::span<const std::uint8_t> frame) {
 }  // namespace
 
 void FrameStatistics::Count(unsigned port, unsigned counter, std::size_t amount) {
-  if (port >= StatCounters::kPorts) return;
+  if (port >= kMacPorts) return;
   counters_.Count(port, counter, static_cast<std::uint32_t>(amount));
 }
 

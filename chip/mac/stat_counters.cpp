@@ -46,7 +46,7 @@ bool StatCounters::Run(bool write) {
   const std::uint8_t selector = registers_.Get(kStatSelector);
   const unsigned port = kStatPort.Get(selector);
   const unsigned group = kStatGroup.Get(selector);
-  if (port >= kPorts) {
+  if (port >= kMacPorts) {
     registers_.Complain("sc step on a port that is not there");
   } else if (write) {
     ApplyWindow(port, group);
@@ -82,9 +82,8 @@ void StatCounters::ApplyWindow(unsigned port, unsigned group) {
 }
 
 void StatCounters::State(StateArchive& archive) {
-  constexpr const char* kNames[] = {"wan", "lan", "dmz"};
-  for (unsigned port = 0; port < kPorts; ++port) {
-    archive.Group(kNames[port], [&] { PortState(archive, port); });
+  for (unsigned port = 0; port < kMacPorts; ++port) {
+    archive.Group(kMacPortNames[port], [&] { PortState(archive, port); });
   }
   archive.Group("stored_since_start", [&] {
     archive.Flag("word_a", stored_.word_a);

@@ -5,12 +5,12 @@
 #include <array>
 
 #include "chip/engine.h"
+#include "chip/mac/mac_ports.h"
 
 namespace chip {
 
 class StatCounters {
  public:
-  static constexpr unsigned kPorts = 3;  ///< WAN, LAN, DMZ.
   static constexpr unsigned kCounters = 28;
 
   explicit StatCounters(RegisterFile& registers);
@@ -20,12 +20,12 @@ class StatCounters {
   void Reset();
   void State(StateArchive& archive);
 
-  /// Adds `amount` to a counter (port 0 WAN, 1 LAN, 2 DMZ). A counter that passes the end of its
+  /// Adds `amount` to a counter of a port below kMacPorts. A counter that passes the end of its
   /// width starts again at 0 and raises its overflow bit.
   void Count(unsigned port, unsigned counter, std::uint32_t amount);
 
-  std::array<std::array<std::uint32_t, kCounters>, kPorts> counters{};
-  std::array<std::uint32_t, kPorts> overflow{};  ///< Bit i belongs to counter i.
+  std::array<std::array<std::uint32_t, kCounters>, kMacPorts> counters{};
+  std::array<std::uint32_t, kMacPorts> overflow{};  ///< Bit i belongs to counter i.
   Engine engine;
 
  private:

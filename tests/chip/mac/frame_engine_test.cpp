@@ -88,7 +88,7 @@ class Frames : public testing::Test {
   /// What the counters have come to, without those at 0.
   Counts Counted() const {
     Counts counts;
-    for (unsigned port = 0; port < StatCounters::kPorts; ++port) {
+    for (unsigned port = 0; port < kMacPorts; ++port) {
       for (unsigned counter = 0; counter < StatCounters::kCounters; ++counter) {
         const std::uint32_t count = chip_.stat_counters.counters[port][counter];
         if (count != 0) counts[{port, counter}] = count;
