@@ -19,6 +19,10 @@ void ConsoleFlush();
 /// has no deadline. May return early.
 void ConsoleWait(long microseconds);
 
+/// As ConsoleWait, when nothing is left to do: where the program hears of all that can happen, the
+/// sleep lasts until something does.
+void ConsoleIdle(long microseconds);
+
 /// For waits that may not end: flushes, and when the console is a terminal on which Ctrl-C has
 /// been typed, discards the input up to and including it and answers true. Input without a
 /// Ctrl-C is kept. Never true when input comes from a pipe or a file.

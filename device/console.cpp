@@ -69,7 +69,6 @@ int InputEvents() { return WaitFor(g_setup.input, POLLIN, 0); }
 void WaitForInputOrWatched(long microseconds) {
   pollfd entries[] = {{.fd = g_setup.input, .events = POLLIN, .revents = 0},
                       {.fd = g_setup.watched, .events = POLLIN, .revents = 0}};
-  if (g_setup.only_events != nullptr && g_setup.only_events()) microseconds = -1;
   if (WaitForAny(entries, 2, microseconds) <= 0) {
     // The wait itself was the look that the next pass would take.
     g_passes_to_look = 1;
@@ -209,6 +208,11 @@ void ConsoleWait(long microseconds) {
   if (g_setup.at_end_of_input != nullptr) g_setup.at_end_of_input(g_input_error);
   const bool shorter = microseconds >= 0 && microseconds < kEndedPauseMicroseconds;
   Sleep(shorter ? microseconds : kEndedPauseMicroseconds);
+}
+
+void ConsoleIdle(long microseconds) {
+  const bool only_events = g_setup.only_events != nullptr && g_setup.only_events();
+  ConsoleWait(only_events ? -1 : microseconds);
 }
 
 bool ConsoleInterrupted() {

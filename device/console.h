@@ -13,7 +13,7 @@ struct ConsoleSetup {
   int watched = -1;                   ///< A descriptor that ends such a wait too,
   void (*on_watched)() = nullptr;     ///< after which this is called.
   bool (*only_events)() = nullptr;    ///< True: input and `watched` tell of all that can happen,
-                                      ///< so a wait needs no time limit.
+                                      ///< so a monitor without work needs no time limit.
   void (*between_steps)() = nullptr;  ///< Called often, also in long waits on hardware, and
                                       ///< never in the middle of an access to the chip.
   /// Called when the monitor waits for input that has ended, or fails with that error number.

@@ -18,6 +18,7 @@ int ConsoleReadChar() { return -1; }
 void ConsoleSend(const char* /*text*/, std::size_t /*count*/) {}
 void ConsoleFlush() {}
 void ConsoleWait(long /*microseconds*/) {}
+void ConsoleIdle(long /*microseconds*/) {}
 bool ConsoleInterrupted() { return true; }
 
 }  // namespace monitor

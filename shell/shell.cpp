@@ -31,10 +31,10 @@ class IdleWait {
 
   void Sleep() {
     if (!PacketServiceOn()) {
-      ConsoleWait(-1);
+      ConsoleIdle(-1);
       return;
     }
-    ConsoleWait(microseconds_);
+    ConsoleIdle(microseconds_);
     microseconds_ = microseconds_ < kLongest / 2 ? microseconds_ * 2 : kLongest;
   }
 

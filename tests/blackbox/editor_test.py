@@ -1,5 +1,6 @@
 """The line editor of virtual-board on a terminal: keys in, bytes out."""
 
+import time
 import unittest
 
 import support
@@ -72,6 +73,13 @@ class Keys(EditorTest):
         self.press(b"a\x1bxb\x1b[Cc", b"abc")
         self.press(b"\r", b"\r\n" + UNKNOWN + PROMPT)
         self.press(UP, REDRAW + b"abc")
+
+    def test_sequence_that_does_not_go_on_takes_no_later_key(self):
+        for keys in (b"\x1b", b"\x1b["):
+            self.press(keys, b"")
+            # It is given up after 20 ms and what a busy machine adds.
+            time.sleep(1)
+            self.press(b"x", b"x")
 
     def test_echo_breaks_behind_the_71st_character(self):
         self.press(70 * b"x", 70 * b"x")

@@ -92,6 +92,7 @@ int ConsoleReadChar() { return -1; }
 void ConsoleSend(const char* /*text*/, std::size_t /*count*/) {}
 void ConsoleFlush() { Happen(Kind::kFlush); }
 void ConsoleWait(long /*microseconds*/) { std::abort(); }  // No driver operation sleeps.
+void ConsoleIdle(long /*microseconds*/) { std::abort(); }
 bool ConsoleInterrupted() { return Happen(Kind::kLook) != 0; }
 
 }  // namespace monitor

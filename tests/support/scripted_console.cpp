@@ -90,6 +90,8 @@ void ConsoleWait(long microseconds) {
   std::abort();
 }
 
+void ConsoleIdle(long microseconds) { ConsoleWait(microseconds); }
+
 bool ConsoleInterrupted() {
   ConsoleFlush();
   ++g_looks;

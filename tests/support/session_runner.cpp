@@ -144,6 +144,7 @@ int ConsoleReadChar() {
 void ConsoleSend(const char* text, std::size_t count) { g_session->Print(text, count); }
 void ConsoleFlush() {}
 void ConsoleWait(long /*microseconds*/) {}
+void ConsoleIdle(long /*microseconds*/) {}
 bool ConsoleInterrupted() { return g_session->state.ctrl_c_in_waits; }
 
 }  // namespace monitor
