@@ -60,7 +60,8 @@ void MiiInterface::BeforeLoad() {
 void MiiInterface::AfterStore(std::uint16_t stored) {
   if (kMiiStart.Get(stored) != 0) {
     if (loads_left_ != 0) registers_.Complain("mii access started while busy");
-    started_ = stored;
+    // A byte store that starts an access finds the PHY in the other byte.
+    started_ = registers_.Get(kMiiCommand);
     read_valid_ = false;
     loads_left_ = fault_.kind == Fault::Kind::kSlow ? fault_.loads : kUsualLoads;
   }

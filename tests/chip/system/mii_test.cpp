@@ -48,6 +48,26 @@ TEST_F(MiiModel, AnAccessIsOverAtTheFourthStatusLoad) {
   EXPECT_EQ(Load16(0x40C), 0x5642U);
 }
 
+TEST_F(MiiModel, ByteStoresReachAPhyToo) {
+  const auto store8 = [this](std::uint32_t offset, unsigned value) {
+    chip_.registers.Store(offset, 1, value);
+  };
+  store8(0x408, 0x02);
+  store8(0x409, 0xC2);
+  Await();
+  EXPECT_EQ(Load16(0x408), 0x62C2U);
+  EXPECT_EQ(Load16(0x40C), 0x5642U);
+
+  store8(0x40A, 0x04);
+  store8(0x40B, 0x01);
+  store8(0x409, 0xA4);
+  Await();
+  EXPECT_EQ(ReadPhy(2, 4), 0x0401U);
+
+  store8(0x408, 0x01);  // the start bit lies in the other byte
+  EXPECT_EQ(Load16(0x408) & 0x4000, 0x4000U);
+}
+
 TEST_F(MiiModel, AWriteLeavesNoReadData) {
   (void)ReadPhy(1, 2);
   WritePhy(1, 4, 0x05E1);
