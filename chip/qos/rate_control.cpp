@@ -5,9 +5,8 @@
 namespace chip {
 
 void DefineRateControl(RegisterFile& registers) {
-  for (std::uint8_t queue = 0; queue < 4; ++queue) {
-    registers.Define(monitor::OfQueue(monitor::kRateInformation, queue));
-    registers.Define(monitor::OfQueue(monitor::kRateBucket, queue));
+  for (const monitor::RegisterRow& row : monitor::kRateControlRegisters) {
+    registers.Define(monitor::Reg16{.offset = row.offset, .name = row.name});
   }
 }
 

@@ -93,6 +93,16 @@ class Json(unittest.TestCase):
         loads = {name for name, row in self.registers.items() if "on_load" in row}
         self.assertEqual(loads, {"UART_DATA", "UART_ISR_FCR"})
 
+    def test_names_are_those_of_saved_states(self):
+        with tempfile.TemporaryDirectory() as folder:
+            file = f"{folder}/board.json"
+            script = "".join(f"reg {offset:x} 1 = 5a\n" for offset in range(0x2000))
+            support.run([BOARD, "--save", file], script.encode())
+            saved = json.loads(pathlib.Path(file).read_text("ascii"))["registers"]
+        names = {f"{offset:04x} {name}" for (offset, _), name in places(self.map).items()}
+        self.assertLessEqual(set(saved), names)
+        self.assertGreater(len(saved), 200)
+
     def test_every_engine(self):
         help_text = support.run([BOARD, "--help"]).stdout.decode()
         names = set(re.search(r"Engines: ([a-z0-9, ]+)", help_text)[1].replace(",", "").split())
