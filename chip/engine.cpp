@@ -80,6 +80,7 @@ void Engine::Complete() {
   const int others = status_ & ~bits_.result;
   const int result = failed ? 0 : bits_.result;
   status_ = static_cast<std::uint8_t>(others | result | DoneBit());
+  if (on_end) on_end();
 }
 
 void Engine::Publish(std::uint8_t command) {

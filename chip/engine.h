@@ -57,6 +57,9 @@ class Engine {
   /// Told of every store to the command byte, for bits in it that are not the engine's.
   std::function<void(std::uint8_t stored)> on_store;
 
+  /// Told of the end of every operation, also of one that a fault kept from doing anything.
+  std::function<void()> on_end;
+
  private:
   [[nodiscard]] std::uint8_t DoneBit() const;
   /// Loads of the command byte are worth a call only while an operation is running.

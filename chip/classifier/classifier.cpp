@@ -44,6 +44,7 @@ Classifier::Classifier(RegisterFile& registers)
     : engine(registers, "cls", kClsCommand, kClassifierBits,
              [this](std::uint8_t command) { return Run(command); }),
       registers_(registers) {
+  engine.on_end = [this] { stored_ = {}; };
   Claim();
 }
 
@@ -83,7 +84,6 @@ bool Classifier::Run(std::uint8_t command) {
       ApplyRule(entry);
     }
   }
-  stored_ = {};
   return true;
 }
 

@@ -21,6 +21,7 @@ StatCounters::StatCounters(RegisterFile& registers)
     : engine(registers, "sc", kStatCommand, kTableEngineBits,
              [this](std::uint8_t command) { return Run(kEngineWrite.Get(command) != 0); }),
       registers_(registers) {
+  engine.on_end = [this] { stored_ = {}; };
   registers.Define(kStatOverflow,
                    {.after_store = [this](std::uint32_t) { stored_.overflow = true; }});
   registers.Define(kStatWordB, {.after_store = [this](std::uint32_t) { stored_.word_b = true; }});
@@ -53,7 +54,6 @@ bool StatCounters::Run(bool write) {
   } else {
     LoadWindow(port, group);
   }
-  stored_ = {};
   return true;
 }
 

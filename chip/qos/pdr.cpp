@@ -16,6 +16,7 @@ PdrTable::PdrTable(RegisterFile& registers)
     : engine(registers, "pdr", kPdrCommand, kTableEngineBits,
              [this](std::uint8_t command) { return Run(kEngineWrite.Get(command) != 0); }),
       registers_(registers) {
+  engine.on_end = [this] { stored_ = false; };
   const auto entry = [this](std::uint32_t) { stored_ = true; };
   registers.Define(kPdrIp, {.after_store = entry});
   registers.Define(kPdrIndex);
@@ -37,7 +38,6 @@ bool PdrTable::Run(bool write) {
     entry.ip = registers_.Get(kPdrIp);
     entry.flags = registers_.Get(kPdrFlags) & kExisting;
   }
-  stored_ = false;
   return true;
 }
 

@@ -11,6 +11,7 @@ ArpTable::ArpTable(RegisterFile& registers)
     : engine(registers, "arp", kArpCommand, kTableEngineBits,
              [this](std::uint8_t command) { return Run(kEngineWrite.Get(command) != 0); }),
       registers_(registers) {
+  engine.on_end = [this] { stored_ = {}; };
   Claim();
 }
 
@@ -38,7 +39,6 @@ bool ArpTable::Run(bool write) {
   } else {
     LoadWindow(entry);
   }
-  stored_ = {};
   return true;
 }
 

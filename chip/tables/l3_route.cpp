@@ -18,6 +18,7 @@ L3RouteTable::L3RouteTable(RegisterFile& registers)
     : engine(registers, "l3", kRouteCommand, kTableEngineBits,
              [this](std::uint8_t command) { return Run(kEngineWrite.Get(command) != 0); }),
       registers_(registers) {
+  engine.on_end = [this] { stored_ = {}; };
   Claim();
 }
 
@@ -49,7 +50,6 @@ bool L3RouteTable::Run(bool write) {
   } else {
     LoadWindow(entry);
   }
-  stored_ = {};
   return true;
 }
 

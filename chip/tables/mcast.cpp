@@ -11,6 +11,7 @@ McastTable::McastTable(RegisterFile& registers)
     : engine(registers, "mcast", kMcastCommand, kTableEngineBits,
              [this](std::uint8_t command) { return Run(kEngineWrite.Get(command) != 0); }),
       registers_(registers) {
+  engine.on_end = [this] { stored_ = {}; };
   Claim();
 }
 
@@ -39,7 +40,6 @@ bool McastTable::Run(bool write) {
   } else {
     LoadWindow(entry);
   }
-  stored_ = {};
   return true;
 }
 

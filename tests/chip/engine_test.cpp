@@ -62,6 +62,23 @@ TEST_F(TableEngine, APulseEndedWithoutALoadNeedsBothLoadsOfTheWait) {
   EXPECT_EQ(Load(), 0x0B);
 }
 
+TEST_F(TableEngine, TellsOfTheEndOfEachOperation) {
+  unsigned ends = 0;
+  engine_.on_end = [&] { ++ends; };
+  for (const Fault::Kind kind : {Fault::Kind::kNone, Fault::Kind::kFail}) {
+    engine_.SetFault({.kind = kind});
+    ends = 0;
+    Store(0x06);
+    (void)Load();
+    EXPECT_EQ(ends, 0U);
+    (void)Load();
+    EXPECT_EQ(ends, 1U);
+    (void)Load();
+    EXPECT_EQ(ends, 1U);
+  }
+  EXPECT_EQ(operations_, Operations{0x06});
+}
+
 TEST_F(TableEngine, EachStartRunsOnce) {
   Store(0x06);
   for (int i = 0; i < 10; ++i) (void)Load();

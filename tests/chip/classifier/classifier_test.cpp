@@ -191,6 +191,17 @@ TEST_F(ClassifierEngine, AStartWhileBusyIsComplainedAbout) {
   chip_.registers.ForgetComplaints();
 }
 
+TEST_F(ClassifierEngine, AFailedStepForgetsWhatWasStored) {
+  chip_.classifier.engine.SetFault({.kind = Fault::Kind::kFail});
+  Store32(0x704, 0x01020304);
+  Store32(0x724, 0x12345678);
+  Run(0x0D);
+  chip_.classifier.engine.SetFault({});
+  Run(0x0D);
+  EXPECT_EQ(chip_.classifier.entries[0].sip, 0U);
+  EXPECT_EQ(chip_.classifier.entries[0].counter, 0U);
+}
+
 TEST_F(ClassifierEngine, ResetEmptiesTheTable) {
   chip_.classifier.entries[5].sip = 0x01020304;
   chip_.classifier.overflow[0] = 0xFF;

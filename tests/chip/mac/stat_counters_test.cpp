@@ -160,6 +160,15 @@ TEST_F(StatCounterModel, ItsEngineIsNamedSc) {
   EXPECT_FALSE(chip_.SetFault("nobody", {}));
 }
 
+TEST_F(StatCounterModel, AFailedStepForgetsWhatWasStored) {
+  chip_.stat_counters.engine.SetFault({.kind = Fault::Kind::kFail});
+  Store32(0x858, 0x12345678);
+  WriteStep();
+  chip_.stat_counters.engine.SetFault({});
+  WriteStep();
+  EXPECT_EQ(counters()[0][0], 0U);
+}
+
 TEST_F(StatCounterModel, ResetClearsCountersAndOverflow) {
   Fill(2);
   overflow()[2] = 1;

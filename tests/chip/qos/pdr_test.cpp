@@ -70,6 +70,15 @@ TEST_F(PdrEngine, AStartWhileBusyIsComplainedAbout) {
   chip_.registers.ForgetComplaints();
 }
 
+TEST_F(PdrEngine, AFailedStepForgetsWhatWasStored) {
+  chip_.pdr.engine.SetFault({.kind = Fault::Kind::kFail});
+  chip_.registers.Store(0xA10, 4, 0xC0A80109);
+  Run(0x0D, 0x09);
+  chip_.pdr.engine.SetFault({});
+  Run(0x0D, 0x09);
+  EXPECT_EQ(chip_.pdr.entries[0].ip, 0U);
+}
+
 TEST_F(PdrEngine, ResetEmptiesTheTable) {
   chip_.pdr.entries[63].ip = 1;
   chip_.Reset();

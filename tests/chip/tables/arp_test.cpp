@@ -72,6 +72,16 @@ TEST_F(ArpEngine, AnEntryWriteClearsNoReference) {
   EXPECT_EQ(chip_.arp.reference, monitor::kAllEntries);
 }
 
+TEST_F(ArpEngine, AFailedStepForgetsWhatWasStored) {
+  chip_.arp.engine.SetFault({.kind = Fault::Kind::kFail});
+  chip_.registers.Store(0x630, 4, 0x0A000002);
+  Store8(0x63D, 0x01);
+  Run(0x0D);
+  chip_.arp.engine.SetFault({});
+  Run(0x0D);
+  EXPECT_EQ(chip_.arp.entries[0], ArpTable::Entry{});
+}
+
 TEST_F(ArpEngine, ResetEmptiesTheTable) {
   chip_.arp.entries[5].valid = true;
   chip_.arp.reference[0] = 0xFF;

@@ -91,6 +91,16 @@ TEST_F(L3Engine, AnOverflowClearTakesAwayTheOnesAndRewritesNoRoute) {
   EXPECT_EQ(Load8(0x61B), 0x80);
 }
 
+TEST_F(L3Engine, AFailedStepForgetsWhatWasStored) {
+  chip_.l3.engine.SetFault({.kind = Fault::Kind::kFail});
+  chip_.registers.Store(0x600, 4, 0x0A010200);
+  chip_.registers.Store(0x610, 4, 0x12345678);
+  Run(0x0D);
+  chip_.l3.engine.SetFault({});
+  Run(0x0D);
+  EXPECT_EQ(chip_.l3.entries[0], L3RouteTable::Entry{});
+}
+
 TEST_F(L3Engine, AStartWhileBusyIsComplainedAbout) {
   Store8(0x60D, 0x06);
   Store8(0x60D, 0x06);

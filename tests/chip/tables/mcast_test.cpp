@@ -82,6 +82,16 @@ TEST_F(McastEngine, AnOverflowClearTakesAwayTheOnesAndRewritesNoGroup) {
   EXPECT_EQ(Load8(0x62B), 0x80);
 }
 
+TEST_F(McastEngine, AFailedStepForgetsWhatWasStored) {
+  chip_.mcast.engine.SetFault({.kind = Fault::Kind::kFail});
+  chip_.registers.Store(0x61C, 4, 0xE0010203);
+  chip_.registers.Store(0x62C, 4, 0x12345678);
+  Run(0x0D);
+  chip_.mcast.engine.SetFault({});
+  Run(0x0D);
+  EXPECT_EQ(chip_.mcast.entries[0], McastTable::Entry{});
+}
+
 TEST_F(McastEngine, ResetEmptiesTheTable) {
   chip_.mcast.entries[5].ip = 0xE0000001;
   chip_.mcast.overflow[0] = 0xFF;
