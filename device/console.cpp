@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
@@ -33,6 +34,12 @@ constexpr std::size_t kTypedAhead = 3072;
 char g_input[kTypedAhead + 1024];
 std::size_t g_input_begin = 0;
 std::size_t g_input_end = 0;
+
+/// What becomes of the input behind g_input_end. Too much for a wait is thrown away until the
+/// monitor reads again, in whole lines, as the rest of a line could be another command.
+enum class Flood : std::uint8_t { kNone, kBetweenLines, kInLine };
+Flood g_flood = Flood::kNone;
+
 bool g_input_ended = false;
 int g_input_error = 0;
 
@@ -105,7 +112,32 @@ bool DiscardToCtrlC() {
   const void* const found = memchr(g_input + g_input_begin, kCtrlC, g_input_end - g_input_begin);
   if (found == nullptr) return false;
   g_input_begin = static_cast<std::size_t>(static_cast<const char*>(found) - g_input) + 1;
+  g_flood = Flood::kNone;
   return true;
+}
+
+bool EndsLine(char c) { return c == kLineFeed || c == kCarriageReturn; }
+
+/// Throws the input behind `kept` away.
+void ThrowAwayBehind(std::size_t kept) {
+  if (kept == g_input_end) return;
+  g_flood = EndsLine(g_input[g_input_end - 1]) ? Flood::kBetweenLines : Flood::kInLine;
+  g_input_end = kept;
+}
+
+/// How much of too much input is whole lines.
+std::size_t WholeLines() {
+  std::size_t end = kTypedAhead;
+  while (end != 0 && !EndsLine(g_input[end - 1])) --end;
+  return end;
+}
+
+/// Throws away the rest of a line whose beginning was.
+void EndFlood() {
+  while (g_flood == Flood::kInLine && g_input_begin != g_input_end) {
+    if (EndsLine(g_input[g_input_begin++])) g_flood = Flood::kBetweenLines;
+  }
+  if (g_flood == Flood::kBetweenLines) g_flood = Flood::kNone;
 }
 
 /// A message that does not go through the console, which may be what failed.
@@ -168,7 +200,8 @@ int ConsoleReadChar() {
     g_input_begin = 0;
     // A look that is refused leaves reading, which then waits, as the only way to the input.
     g_input_end = InputEvents() != 0 ? ReadWaiting(g_input, kTypedAhead) : 0;
-    if (g_input_end == 0) {
+    EndFlood();
+    if (g_input_begin == g_input_end) {
       g_passes_to_look = (g_input_ended ? kPassesBetweenLooksAtTheEnd : kPassesBetweenLooks) - 1;
       return -1;
     }
@@ -225,12 +258,16 @@ bool ConsoleInterrupted() {
     g_input_end -= g_input_begin;
     g_input_begin = 0;
   }
+  const std::size_t before = g_input_end;
+  if (InputEvents() > 0) g_input_end += ReadWaiting(g_input + before, sizeof(g_input) - before);
+  if (DiscardToCtrlC()) return true;
   // What is too much is given up, so that a Ctrl-C behind any amount of input is found, and soon.
-  if (g_input_end > kTypedAhead) g_input_end = kTypedAhead;
-  if (InputEvents() > 0) {
-    g_input_end += ReadWaiting(g_input + g_input_end, sizeof(g_input) - g_input_end);
+  if (g_flood != Flood::kNone) {
+    ThrowAwayBehind(before);
+  } else if (g_input_end > kTypedAhead) {
+    ThrowAwayBehind(WholeLines());
   }
-  return DiscardToCtrlC();
+  return false;
 }
 
 }  // namespace monitor

@@ -200,6 +200,41 @@ class VirtualBoard(Operator, unittest.TestCase):
         self.terminal.screen.shows(support.EMPTY_ROUTE % 0 + PROMPT)
         self.terminal.screen.shows(b"kept\r\n" + UNKNOWN + PROMPT)
 
+    def check_too_much(self, last, later, answered):
+        """During a wait 300 lines of 13 characters are typed, and `last`; 236 of them are 3072
+        characters but four. The wait is over when they have been shown; then `later` is typed."""
+        self.start("--fault", "slow:l3:300000000")
+        self.enter(b"l3 0")
+        lines = [b"zz %09d\r" % number for number in range(300)]
+        self.terminal.type(b"".join(lines) + last)
+        self.terminal.screen.shows(support.EMPTY_ROUTE % 0 + PROMPT)
+        for line in lines[:236]:
+            self.terminal.screen.shows(line + b"\n" + UNKNOWN + PROMPT)
+        self.terminal.type(later)
+        self.terminal.screen.shows(answered)
+        self.still_works()
+
+    def test_too_much_typed_ahead_is_lost_in_whole_lines(self):
+        self.check_too_much(b"", b"kept\r", b"kept\r\n" + UNKNOWN + PROMPT)
+
+    def test_rest_of_a_line_whose_beginning_is_lost(self):
+        self.check_too_much(b"zz zz", b"zz\rkept\r", b"kept\r\n" + UNKNOWN + PROMPT)
+
+    def test_too_much_without_a_line_end(self):
+        self.start("--fault", "slow:l3:300000000")
+        self.enter(b"l3 0")
+        self.terminal.type(4000 * b"x")
+        self.terminal.screen.shows(support.EMPTY_ROUTE % 0 + PROMPT)
+        self.terminal.type(b"x\rkept\r")
+        self.terminal.screen.shows(b"kept\r\n" + UNKNOWN + PROMPT)
+
+    def test_ctrl_c_behind_too_much(self):
+        self.start("--fault", "hang:l3")
+        self.enter(b"l3 0")
+        self.terminal.type(4000 * b"x")
+        self.give_up(b"L3 Read failed\n\r", CTRL_C + b"kept\r")
+        self.terminal.screen.shows(b"kept\r\n" + UNKNOWN + PROMPT)
+
     def test_typed_ahead_of_ctrl_c_is_discarded(self):
         self.start("--fault", "hang:l3")
         self.enter(b"l3 0")
