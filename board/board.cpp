@@ -12,9 +12,11 @@
 #include <cstring>
 #include <system_error>
 
+#include "board/broken_pipe.h"
 #include "board/faults.h"
 #include "board/long_wait.h"
 #include "board/message.h"
+#include "core/console_port.h"
 #include "device/console.h"
 #include "mac/packet_service.h"
 
@@ -25,8 +27,9 @@ Board* g_board = nullptr;
 
 /// The end of a script, once the packet service has worked off the captures. The monitor has no
 /// way to return in the middle of a line. A script that cannot be read to its end has failed.
-void EndOfInput(int error) {
+void EndOfInput(int error, bool in_line) {
   if (monitor::PacketServiceOn() && g_board->FramesPending()) return;
+  if (in_line) g_board->NoteLostLine();
   const int status = g_board->Finish();
   if (error == 0) std::exit(status);
   Report(std::string("cannot read the console's input: ") + std::strerror(error));
@@ -85,8 +88,11 @@ void Board::OpenUart(const std::string& path) {
     throw std::system_error(errno, std::generic_category(), "cannot open the file '" + path + "'");
   }
   chip_.uart.on_transmit = [this, path](std::uint8_t byte) {
+    const BrokenPipeIsError guard;
     if (!uart_ || uart_.put(static_cast<char>(byte)).flush()) return;
     Report("cannot write the file '" + path + "': " + std::strerror(errno) + "; it ends here");
+    // Else its end would try once more.
+    uart_.close();
   };
 }
 
@@ -139,11 +145,28 @@ int Board::StatusOfLines() const {
   return std::max(progress_.Status(), kExitRefused);
 }
 
+bool Board::LeavesOut(char c) {
+  if (c == '\r' || progress_.Doing().empty()) return true;
+  in_answer_line_ = c != '\n';
+  return false;
+}
+
+void Board::EndAnswer() {
+  if (in_answer_line_) monitor::ConsoleSend("\n", 1);
+}
+
 void Board::Note(monitor::ShellEvent event) {
+  EndAnswer();
   progress_.Note(event);
   if (!trace_) return;
   if (event == monitor::ShellEvent::kRun) trace_->Mark(progress_.Doing());
   if (event == monitor::ShellEvent::kServe) trace_->MarkOnce(progress_.Doing());
+}
+
+void Board::NoteLostLine() {
+  if (!options_.plain) return;
+  Report("the script's last line has no line end and was not run");
+  progress_.Note(monitor::ShellEvent::kRefused);
 }
 
 void Board::TellOfLongWait() const {

@@ -33,6 +33,10 @@ class Board {
   /// Follows what the monitor's shell does.
   void Note(monitor::ShellEvent event);
 
+  /// To be called when a script ends in the middle of a line. Where nothing is echoed nobody would
+  /// see that it is not run.
+  void NoteLostLine();
+
   /// Tells the operator, once in each wait, what the monitor waits for.
   void TellOfLongWait() const;
 
@@ -53,7 +57,9 @@ class Board {
   void OpenUart(const std::string& path);
   void OpenConsole(bool keep_delete);
   /// True for output that is no answer, and for what a plain line end has not.
-  [[nodiscard]] bool LeavesOut(char c) const { return c == '\r' || progress_.Doing().empty(); }
+  [[nodiscard]] bool LeavesOut(char c);
+  /// Ends a plain answer's last line where the command leaves that to the prompt.
+  void EndAnswer();
   [[nodiscard]] int StatusOfLines() const;
   /// False when something could not be read or written.
   [[nodiscard]] bool WriteAll();
@@ -61,6 +67,7 @@ class Board {
 
   const Options& options_;
   Progress progress_;
+  bool in_answer_line_ = false;  ///< Of a plain answer, a line has begun and not ended.
   Descriptor script_;
   chip::RouterChip chip_;
   std::optional<PseudoTerminal> pseudo_terminal_;

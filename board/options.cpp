@@ -10,6 +10,7 @@
 #include <charconv>
 
 #include "board/faults.h"
+#include "board/file_roles.h"
 #include "board/nearest.h"
 #include "board/registers/export.h"
 #include "shell/line_editor.h"
@@ -37,6 +38,10 @@ constexpr std::size_t kLongestCommand = monitor::kLineBufferSize - 2;
 std::string CheckArgument(const std::string& argument) {
   if (!argument.starts_with('-')) return "";
   return "its argument is missing before '" + argument + "'";
+}
+
+std::string CheckFile(const std::string& argument) {
+  return argument.empty() ? "a file needs a name" : CheckArgument(argument);
 }
 
 /// A command stands for keys that are typed, so none of them may be one that edits.
@@ -98,7 +103,7 @@ void Describe(CLI::App& app, Options& options) {
                "Replay captures with their own timing, not as fast as frames are taken");
   app.add_option("--capture", options.world.capture, "Record all ports in FILE (pcapng)")
       ->type_name("FILE")
-      ->check(CheckArgument, "");
+      ->check(CheckFile, "");
   app.add_option("--uart", options.uart_file, "Write what the UART sends to FILE")
       ->type_name("FILE")
       ->check(CheckArgument, "");
@@ -138,7 +143,9 @@ void RefuseStrangers(const std::vector<std::string>& words, const CLI::App& app)
         "unknown option '" + name + "', the nearest is '" + Nearest(name, OptionNames(app)) + "'";
   }
   if (!unknown.empty()) throw UsageError(unknown);
-  if (!words.empty()) throw UsageError("unexpected argument '" + words.front() + "'");
+  if (words.empty()) return;
+  throw UsageError("unexpected argument '" + words.front() +
+                   "'; the value of an option stands behind it, that of --registers behind '='");
 }
 
 std::string RegisterMapIn(const std::string& format) {
@@ -182,6 +189,7 @@ Options ParseOptions(int argc, const char* const* argv) {
   }
   RefuseStrangers(app.remaining(), app);
   CheckTogether(options);
+  CheckFileRoles(options);
   if (options.registers) options.answer = RegisterMapIn(*options.registers);
   return options;
 }

@@ -9,6 +9,7 @@
 #include <system_error>
 #include <utility>
 
+#include "board/broken_pipe.h"
 #include "board/message.h"
 #include "chip/hex.h"
 
@@ -16,22 +17,6 @@ namespace board {
 namespace {
 
 constexpr mode_t kReadableByAll = 0666;
-
-/// While it lives, a reader of the trace that went away is an error like any other.
-class BrokenPipeIsError {
- public:
-  BrokenPipeIsError() {
-    struct sigaction ignore {};
-    ignore.sa_handler = SIG_IGN;
-    sigaction(SIGPIPE, &ignore, &old_);
-  }
-  ~BrokenPipeIsError() { sigaction(SIGPIPE, &old_, nullptr); }
-  BrokenPipeIsError(const BrokenPipeIsError&) = delete;
-  BrokenPipeIsError& operator=(const BrokenPipeIsError&) = delete;
-
- private:
-  struct sigaction old_ {};
-};
 
 /// An access in the notation of bus transcripts. `memory` marks frame buffer memory.
 std::string Notation(const char* memory, const chip::Access& access, unsigned address_digits) {

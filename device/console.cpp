@@ -42,6 +42,7 @@ Flood g_flood = Flood::kNone;
 
 bool g_input_ended = false;
 int g_input_error = 0;
+bool g_in_line = false;  ///< The last character read was no line feed.
 
 /// A look at the input is a system call. While passes follow each other without a wait, as when
 /// frames pour in, one pass in some is enough for it; printing takes time and makes it due.
@@ -207,6 +208,7 @@ int ConsoleReadChar() {
     }
   }
   const char c = g_input[g_input_begin++];
+  g_in_line = c != kLineFeed;
   if (c == kDelete && g_setup.delete_is_backspace) return kBackspace;
   if (c == kCarriageReturn && g_setup.return_is_line_feed) return kLineFeed;
   return static_cast<unsigned char>(c);
@@ -238,7 +240,7 @@ void ConsoleWait(long microseconds) {
     WaitForInputOrWatched(microseconds);
     return;
   }
-  if (g_setup.at_end_of_input != nullptr) g_setup.at_end_of_input(g_input_error);
+  if (g_setup.at_end_of_input != nullptr) g_setup.at_end_of_input(g_input_error, g_in_line);
   const bool shorter = microseconds >= 0 && microseconds < kEndedPauseMicroseconds;
   Sleep(shorter ? microseconds : kEndedPauseMicroseconds);
 }

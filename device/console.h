@@ -16,8 +16,9 @@ struct ConsoleSetup {
                                       ///< so a monitor without work needs no time limit.
   void (*between_steps)() = nullptr;  ///< Called often, also in long waits on hardware, and
                                       ///< never in the middle of an access to the chip.
-  /// Called when the monitor waits for input that has ended, or fails with that error number.
-  void (*at_end_of_input)(int error) = nullptr;
+  /// Called when the monitor waits for input that has ended, maybe in the middle of a line, or
+  /// fails with that error number.
+  void (*at_end_of_input)(int error, bool in_line) = nullptr;
   bool (*leaves_out)(char c) = nullptr;  ///< True: a character is not to go to the output.
   void (*on_long_wait)() = nullptr;      ///< Called at each look for a Ctrl-C in a long wait.
 };

@@ -37,7 +37,7 @@ class MemoryFile {
 };
 
 std::unique_ptr<board::Port> Open(const std::string& files, bool realtime = false) {
-  return board::OpenCapturePort(files, {.realtime = realtime});
+  return board::OpenCapturePort(board::CapturesOf("pcap:" + files), {.realtime = realtime});
 }
 
 /// Copies of all frames, which the port itself keeps only until the next.

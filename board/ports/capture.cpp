@@ -1,5 +1,6 @@
 // Replays a capture file into a port and writes what the port sends to another.
 #include <pcap/pcap.h>
+#include <sys/stat.h>
 #include <sys/timerfd.h>
 
 #include <algorithm>
@@ -8,8 +9,8 @@
 #include <cstdio>
 #include <cstring>
 #include <ctime>
-#include <filesystem>
 
+#include "board/broken_pipe.h"
 #include "board/message.h"
 #include "board/ports/descriptor.h"
 #include "board/ports/port.h"
@@ -68,10 +69,9 @@ File OpenFile(const std::string& name, const char* mode, FileBuffer& buffer) {
 
 class CapturePort : public Port {
  public:
-  CapturePort(const std::string& in, const std::string& out, const PortOptions& options)
-      : name_(in) {
-    if (!in.empty()) OpenInput(options.realtime);
-    if (!out.empty()) OpenOutput(out);
+  CapturePort(const CaptureNames& names, const PortOptions& options) : name_(names.in) {
+    if (!names.in.empty()) OpenInput(options.realtime);
+    if (!names.out.empty()) OpenOutput(names.out);
     Advance();
   }
 
@@ -84,6 +84,8 @@ class CapturePort : public Port {
 
   void Send(Frame frame) override {
     if (!dumper_) return;
+    std::optional<BrokenPipeIsError> guard;
+    if (out_is_pipe_) guard.emplace();
     const timespec now = WallClock();
     pcap_pkthdr header{};
     // The output counts nanoseconds where the structure says microseconds.
@@ -94,6 +96,7 @@ class CapturePort : public Port {
   }
 
   void Flush() override {
+    const BrokenPipeIsError guard;
     if (dumper_ && pcap_dump_flush(dumper_.get()) != 0) GiveUpOutput();
   }
 
@@ -117,14 +120,12 @@ class CapturePort : public Port {
   }
 
   void OpenOutput(const std::string& out) {
-    std::error_code not_there;
-    if (std::filesystem::equivalent(name_, out, not_there)) {
-      throw PortError("pcap:" + out + ": is the capture that is to be replayed");
-    }
     out_name_ = out;
     output_.reset(pcap_open_dead_with_tstamp_precision(DLT_EN10MB, kLongestFrame,
                                                        PCAP_TSTAMP_PRECISION_NANO));
     File file = OpenFile(out, "wbe", out_buffer_);
+    struct stat about {};
+    out_is_pipe_ = fstat(fileno(file.get()), &about) == 0 && S_ISFIFO(about.st_mode);
     dumper_.reset(pcap_dump_fopen(output_.get(), file.release()));
     if (!dumper_) throw PortError(About(out, pcap_geterr(output_.get())));
     if (pcap_dump_flush(dumper_.get()) != 0) throw PortError(CannotWrite());
@@ -181,6 +182,7 @@ class CapturePort : public Port {
 
   std::string name_;
   std::string out_name_;
+  bool out_is_pipe_ = false;
   FileBuffer in_buffer_;
   FileBuffer out_buffer_;
   Capture input_;
@@ -198,10 +200,8 @@ class CapturePort : public Port {
 
 }  // namespace
 
-std::unique_ptr<Port> OpenCapturePort(const std::string& files, const PortOptions& options) {
-  const std::size_t comma = files.find(',');
-  const std::string out = comma == std::string::npos ? "" : files.substr(comma + 1);
-  return std::make_unique<CapturePort>(files.substr(0, comma), out, options);
+std::unique_ptr<Port> OpenCapturePort(const CaptureNames& names, const PortOptions& options) {
+  return std::make_unique<CapturePort>(names, options);
 }
 
 }  // namespace board

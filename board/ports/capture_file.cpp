@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cstring>
 
+#include "board/broken_pipe.h"
 #include "board/message.h"
 #include "board/ports/port.h"
 
@@ -82,6 +83,7 @@ CaptureFile::CaptureFile(const std::string& path, const std::vector<std::string>
 void CaptureFile::Record(unsigned interface, Direction direction,
                          std::span<const std::uint8_t> frame) {
   if (failed_) return;
+  const BrokenPipeIsError guard;
   const std::uint64_t now = WallClockNanoseconds();
   const auto length = static_cast<std::uint32_t>(frame.size());
   Bytes packet;
@@ -99,6 +101,8 @@ void CaptureFile::Record(unsigned interface, Direction direction,
   if (!file_.flush()) {
     Report(path_ + ": cannot write: " + std::strerror(errno));
     failed_ = true;
+    // Else its end would try once more.
+    file_.close();
   }
 }
 

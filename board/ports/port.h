@@ -55,12 +55,20 @@ struct PortOptions {
 /// True for the notation of a port option: "none", "tap:NAME", "pcap:[IN][,OUT]", "unix:PATH".
 [[nodiscard]] bool IsPort(const std::string& what);
 
+/// The captures that a port option names: what comes in, and what is sent. Empty when there is
+/// none.
+struct CaptureNames {
+  std::string in;
+  std::string out;
+};
+[[nodiscard]] CaptureNames CapturesOf(const std::string& what);
+
 /// Opens what a port option names; null for none. Throws PortError.
 [[nodiscard]] std::unique_ptr<Port> OpenPort(const std::string& what, const PortOptions& options);
 
-// The kinds, by the text behind their colon.
+// The kinds, by what stands behind their colon.
 [[nodiscard]] std::unique_ptr<Port> OpenTapPort(const std::string& name);
-[[nodiscard]] std::unique_ptr<Port> OpenCapturePort(const std::string& files,
+[[nodiscard]] std::unique_ptr<Port> OpenCapturePort(const CaptureNames& names,
                                                     const PortOptions& options);
 [[nodiscard]] std::unique_ptr<Port> OpenSocketPort(const std::string& path);
 

@@ -2,6 +2,7 @@
 
 import os
 import re
+import subprocess
 import time
 
 import board
@@ -215,16 +216,90 @@ class BadCapture(board.BoardTest):
         out = self.path("missing/out")
         self.expect_no_start("pcap:," + out, out, "No such file")
 
-    def test_input_is_not_overwritten(self):
-        frames.write_pcap(self.capture, self.good)
-        self.expect_no_start(f"pcap:{self.capture},{self.capture}", "is to be replayed")
-        self.assertEqual(frames.read_pcap(self.capture), self.good)
-
     def test_full_disk(self):
         self.expect_no_start("pcap:,/dev/full", "/dev/full: cannot write: No space left")
         done = support.run([BOARD, "--capture", "/dev/full"], b"exit\n")
         self.assertEqual((done.returncode, done.stdout), (1, b""))
         self.assertIn(b"/dev/full: cannot write: No space left", done.stderr)
+
+
+class OneFile(board.BoardTest):
+    """One file is not used in two ways."""
+
+    def setUp(self):
+        super().setUp()
+        self.file = self.path("file")
+        self.good = [frames.frame(64, number=i) for i in range(3)]
+        frames.write_pcap(self.file, self.good)
+
+    def refused(self, *options):
+        done = support.run([BOARD, *options], AUTO)
+        self.assertEqual((done.returncode, done.stdout), (2, b""), done.stderr)
+        self.assertIn(b"are one file", done.stderr)
+
+    def test_input_is_not_overwritten(self):
+        pcap, elsewhere = "pcap:" + self.file, os.path.join(self.path("."), "file")
+        link = self.path("link")
+        os.symlink(self.file, link)
+        for options in (
+            ["--lan", f"{pcap},{self.file}"], ["--lan", pcap, "--wan", "pcap:," + elsewhere],
+            ["--wan", pcap, "--capture", link], ["--dmz", pcap, "--trace", self.file],
+            ["--wan", pcap, "--uart", self.file], ["--load", self.file, "--trace", self.file],
+            ["--wan", pcap, "--save", self.file],
+        ):
+            with self.subTest(options):
+                self.refused(*options)
+        self.assertEqual(frames.read_pcap(self.file), self.good)
+
+    def test_outputs_do_not_overwrite_each_other(self):
+        new = self.path("new")
+        same = os.path.join(self.path("."), "new")
+        for options in (
+            ["--lan", "pcap:," + new, "--wan", "pcap:," + same], ["--trace", new, "--uart", same],
+            ["--capture", new, "--save", same], ["--trace", new, "--capture", new],
+        ):
+            with self.subTest(options):
+                self.refused(*options)
+        self.assertFalse(os.path.exists(new))
+
+    def test_what_may_be_shared(self):
+        pcap = "pcap:" + self.file
+        for options in (
+            ["--lan", pcap, "--wan", pcap], ["--trace", "/dev/null", "--uart", "/dev/null"],
+        ):
+            with self.subTest(options):
+                self.assertEqual(support.run([BOARD, *options], b"exit\n").returncode, 0)
+
+
+class GoneReader(board.BoardTest):
+    """A pipe whose reader goes away is a file that cannot be written any more."""
+
+    def test_outputs(self):
+        pipe, capture, lines = self.path("pipe"), self.path("in"), self.path("lines")
+        os.mkfifo(pipe)
+        # All of them write more than a pipe holds.
+        frames.write_pcap(capture, 1500 * [frames.frame(64)])
+        lan = ["--lan", "pcap:" + capture]
+        uart = 70_000 * b"uart thr = 41\n"
+        for options, script in (
+            ([*lan, "--wan", "pcap:," + pipe], b"frame r = forward\n"),
+            ([*lan, "--capture", pipe], AUTO),
+            (["--uart", pipe], uart),
+        ):
+            with self.subTest(options):
+                with open(lines, "wb") as file:
+                    file.write(script)
+                with open(lines, "rb") as file:
+                    # pylint: disable=consider-using-with
+                    started = subprocess.Popen(
+                        [BOARD, *options, "--save", self.path("saved")], stdin=file,
+                        stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)
+                with open(pipe, "rb", buffering=0) as reader:
+                    reader.read(1)
+                _, errors = started.communicate(timeout=support.DEADLINE)
+                self.assertEqual(started.returncode, 1, errors)
+                self.assertIn(b"Broken pipe", errors)
+                os.unlink(self.path("saved"))
 
 
 class OutputOnly(board.BoardTest):

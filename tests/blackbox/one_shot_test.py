@@ -55,6 +55,16 @@ class OneShot(unittest.TestCase):
         answers = ROUTE + UNKNOWN + USAGE + b"\n\rInvalid Command\n\r"
         self.expect([*lines, "--plain"], plain(answers), status=3)
 
+    def test_plain_answers_end_with_a_line_feed(self):
+        lines = commands("macaddr m cpu 1", "qos wan = mode2", "l3 f")
+        answers = b"CPUMAC: 000000000001\nport: WAN QOS MODE: MODE2\nFilter L3: DISABLE\n"
+        self.expect([*lines, "--plain"], answers)
+
+    def test_last_line_without_its_end(self):
+        lost = b"virtual-board: the script's last line has no line end and was not run\n"
+        self.expect(["--plain"], plain(ROUTE), 3, lost, script=b"l3 5\nzz")
+        self.assertEqual(run([BOARD], b"l3 5\nzz").returncode, 0)
+
     def test_plain_answers_of_a_script(self):
         self.expect(["--plain"], plain(ROUTE + UNKNOWN), 3, script=b"l3 5\nzz\n")
         self.expect(["--plain"], plain(ROUTE), script=b"l3 6\x085\nexit\nzz\n")
