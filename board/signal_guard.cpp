@@ -6,8 +6,9 @@
 namespace board {
 namespace {
 
-constexpr int kEndingSignals[] = {SIGHUP,  SIGINT, SIGQUIT, SIGTERM, SIGPIPE,
-                                  SIGSEGV, SIGBUS, SIGABRT, SIGILL,  SIGFPE};
+constexpr int kEndingSignals[] = {SIGHUP,  SIGINT,    SIGQUIT, SIGTERM, SIGPIPE, SIGUSR1, SIGUSR2,
+                                  SIGALRM, SIGVTALRM, SIGPROF, SIGXCPU, SIGIO,   SIGPWR,  SIGSEGV,
+                                  SIGBUS,  SIGABRT,   SIGILL,  SIGFPE,  SIGSYS,  SIGTRAP};
 
 SignalGuard* volatile g_newest = nullptr;
 

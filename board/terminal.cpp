@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <system_error>
 
 namespace board {
@@ -26,13 +27,32 @@ termios EditorMode(termios mode) {
 
 }  // namespace
 
+const RawTerminal* RawTerminal::the_one_ = nullptr;
+
 RawTerminal::RawTerminal(int fd)
     : fd_(fd),
       saved_(ModeOf(fd)),
+      mode_(EditorMode(saved_)),
       guard_([](void* self) { static_cast<const RawTerminal*>(self)->Restore(); }, this) {
-  const termios mode = EditorMode(saved_);
   // What was typed ahead is kept.
-  if (tcsetattr(fd_, TCSANOW, &mode) < 0) Refused();
+  if (tcsetattr(fd_, TCSANOW, &mode_) < 0) Refused();
+  the_one_ = this;
+  struct sigaction action {};
+  action.sa_handler = GoOn;
+  action.sa_flags = SA_RESTART;
+  sigaction(SIGCONT, &action, nullptr);
+}
+
+RawTerminal::~RawTerminal() {
+  std::signal(SIGCONT, SIG_DFL);
+  Restore();
+}
+
+/// The shell that stopped the program has set the terminal for itself.
+void RawTerminal::GoOn(int /*signal*/) {
+  const int error = errno;
+  if (OwnsTerminal(the_one_->fd_)) tcsetattr(the_one_->fd_, TCSANOW, &the_one_->mode_);
+  errno = error;
 }
 
 termios RawTerminal::ModeOf(int fd) {

@@ -1,5 +1,6 @@
 // A listening socket on which a test program exchanges frames, one a packet.
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/un.h>
 #include <unistd.h>
 
@@ -31,8 +32,10 @@ class SocketPort : public Port {
     const auto* const generic = reinterpret_cast<const sockaddr*>(&address);
     bound_ = bind(listener_.Get(), generic, sizeof(address)) == 0;
     if (!bound_ || listen(listener_.Get(), 1) < 0) {
-      throw PortError("unix:" + path + ": " + std::strerror(errno));
+      throw PortError("unix:" + path + ": " + std::strerror(errno) +
+                      (errno == EADDRINUSE ? "; remove it if no program uses it any more" : ""));
     }
+    stat(path.c_str(), &made_);
   }
 
   ~SocketPort() override { Remove(); }
@@ -62,11 +65,15 @@ class SocketPort : public Port {
  private:
   /// Also called in a signal handler.
   void Remove() const {
-    if (bound_) unlink(path_.c_str());
+    struct stat there {};
+    if (!bound_ || stat(path_.c_str(), &there) != 0) return;
+    // Somebody else may have put another socket in its place.
+    if (there.st_dev == made_.st_dev && there.st_ino == made_.st_ino) unlink(path_.c_str());
   }
 
   std::string path_;
   bool bound_ = false;
+  struct stat made_ {};  ///< What was made under the path.
   Descriptor listener_;
   Descriptor peer_;
   std::array<std::uint8_t, kLongestRead> buffer_{};

@@ -59,6 +59,17 @@ std::filesystem::path FolderOf(const std::string& path) {
   return folder.empty() ? "." : folder;
 }
 
+/// Where the path leads, also when nothing is there yet.
+std::filesystem::path Followed(std::filesystem::path path) {
+  // The kernel follows as many.
+  constexpr int kMostLinks = 40;
+  std::error_code not_there;
+  for (int i = 0; i < kMostLinks && std::filesystem::is_symlink(path, not_there); ++i) {
+    path = path.parent_path() / std::filesystem::read_symlink(path);
+  }
+  return std::filesystem::weakly_canonical(path);
+}
+
 /// The permissions of the file that is replaced, or those of any new file.
 mode_t ModeFor(const std::string& path) {
   struct stat old {};
@@ -95,8 +106,7 @@ void LoadStateFile(const std::string& path, chip::RouterChip& chip) {
   }
 }
 
-StateFile::StateFile(const std::string& path)
-    : path_(path), target_(std::filesystem::weakly_canonical(path)) {
+StateFile::StateFile(const std::string& path) : path_(path), target_(Followed(path)) {
   const std::string doing = "cannot save the state in";
   if (path.empty()) throw std::runtime_error(doing + " '': a file needs a name");
   if (access(FolderOf(target_).c_str(), W_OK | X_OK) != 0) Fail(doing, path);

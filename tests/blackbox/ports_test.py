@@ -98,12 +98,22 @@ class Exchange(SocketTest):
         self.type(b"zz\n")
         self.screen.until(UNKNOWN + PROMPT)
 
+    def test_socket_of_another_board_stays(self):
+        self.start_with_peer()
+        os.unlink(self.lan)
+        with socket.socket(socket.AF_UNIX, socket.SOCK_SEQPACKET) as other:
+            other.bind(self.lan)
+            self.type(b"exit\n")
+            self.assertEqual(self.board.wait(support.DEADLINE), 0)
+            self.assertTrue(os.path.exists(self.lan))
+
     def test_path_in_use(self):
         with open(self.lan, "wb"):
             pass
         done = support.run([BOARD, "--lan", "unix:" + self.lan], b"exit\n")
         self.assertEqual((done.returncode, done.stdout), (1, b""))
-        self.assertIn(f"unix:{self.lan}: Address already in use", done.stderr.decode())
+        reason = "Address already in use; remove it if no program uses it any more"
+        self.assertIn(f"unix:{self.lan}: {reason}", done.stderr.decode())
         self.assertTrue(os.path.exists(self.lan))
         done = support.run([BOARD, "--lan", "unix:" + 200 * "x"], b"exit\n")
         self.assertEqual(done.returncode, 1)

@@ -442,6 +442,14 @@ class Saving(StateTest):
         self.save(b"exit\n")
         self.assertEqual(os.listdir(self.folder), ["saved"])
 
+    def test_link_to_what_is_not_there_yet(self):
+        os.symlink("first", self.path("second"))
+        os.symlink(self.path("second"), self.path("saved"))
+        self.save(b"version\n")
+        self.assertTrue(os.path.islink(self.path("saved")))
+        self.assertFalse(os.path.islink(self.path("first")))
+        self.assertTrue(os.path.exists(self.path("first")))
+
     def test_permissions(self):
         os.umask(0o027)
         self.addCleanup(os.umask, 0o022)

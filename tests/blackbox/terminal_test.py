@@ -5,6 +5,7 @@ import signal
 import subprocess
 import tempfile
 import termios
+import time
 import unittest
 
 import support
@@ -59,7 +60,9 @@ class Restored(TerminalTest):
         self.expect_restored()
 
     def test_after_signals(self):
-        ending = [signal.SIGINT, signal.SIGTERM, signal.SIGHUP, signal.SIGQUIT]
+        ending = [signal.SIGINT, signal.SIGTERM, signal.SIGHUP, signal.SIGQUIT, signal.SIGUSR1,
+                  signal.SIGUSR2, signal.SIGALRM, signal.SIGVTALRM, signal.SIGPROF, signal.SIGXCPU,
+                  signal.SIGSYS, signal.SIGTRAP, signal.SIGIO, signal.SIGPWR]
         crashes = [signal.SIGSEGV, signal.SIGBUS, signal.SIGABRT, signal.SIGILL, signal.SIGFPE]
         for number in ending + crashes:
             with self.subTest(number.name):
@@ -69,6 +72,19 @@ class Restored(TerminalTest):
                 self.terminal.process.send_signal(number)
                 self.assertEqual(self.terminal.status(), -number)
                 self.expect_restored()
+
+    def test_mode_comes_back_behind_a_stop(self):
+        self.start()
+        self.terminal.screen.until(START)
+        mode = self.terminal.settings()
+        self.terminal.process.send_signal(signal.SIGSTOP)
+        os.waitpid(self.terminal.process.pid, os.WUNTRACED)
+        termios.tcsetattr(self.terminal.fd, termios.TCSANOW, self.before)
+        self.terminal.process.send_signal(signal.SIGCONT)
+        deadline = time.monotonic() + support.DEADLINE
+        while self.terminal.settings() != mode and time.monotonic() < deadline:
+            time.sleep(0.005)
+        self.assertEqual(self.terminal.settings(), mode)
 
     def test_ignored_signals_stay_ignored(self):
         script = 'trap "" INT; exec "$0"'
