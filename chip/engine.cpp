@@ -36,8 +36,9 @@ void Engine::SetFault(Fault fault) {
 
 void Engine::Reset() {
   status_ = done_bits_;
+  started_ = 0;
   SetLoadsLeft(0);
-  registers_.Set(command_, status_);
+  Publish(0);
 }
 
 std::uint8_t Engine::DoneBit() const {

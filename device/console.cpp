@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <utility>
 
 #include "core/console_port.h"
 
@@ -15,6 +16,7 @@ namespace monitor {
 namespace {
 
 constexpr char kCtrlC = 3;
+constexpr char kCtrlD = 4;
 constexpr char kBackspace = 8;
 constexpr char kLineFeed = 10;
 constexpr char kCarriageReturn = 13;
@@ -43,6 +45,11 @@ Flood g_flood = Flood::kNone;
 bool g_input_ended = false;
 int g_input_error = 0;
 bool g_in_line = false;  ///< The last character read was no line feed.
+
+/// Behind a Ctrl-C that has ended a wait the operator has this long to press a key before anything
+/// else happens: the packet service would begin the next such wait at once.
+constexpr long kKeyFirstMicroseconds = 500'000;
+bool g_key_first = false;
 
 /// A look at the input is a system call. While passes follow each other without a wait, as when
 /// frames pour in, one pass in some is enough for it; printing takes time and makes it due.
@@ -117,7 +124,9 @@ bool DiscardToCtrlC() {
   return true;
 }
 
-bool EndsLine(char c) { return c == kLineFeed || c == kCarriageReturn; }
+bool EndsLine(char c) {
+  return c == kLineFeed || (c == kCarriageReturn && g_setup.return_is_line_feed);
+}
 
 /// Throws the input behind `kept` away.
 void ThrowAwayBehind(std::size_t kept) {
@@ -126,11 +135,14 @@ void ThrowAwayBehind(std::size_t kept) {
   g_input_end = kept;
 }
 
-/// How much of too much input is whole lines.
-std::size_t WholeLines() {
+/// Keeps as many whole lines as fit. Behind them comes a line that its Ctrl-D makes void, as it may
+/// go on one that the editor holds; it also shows where something is missing.
+void KeepWholeLines() {
   std::size_t end = kTypedAhead;
   while (end != 0 && !EndsLine(g_input[end - 1])) --end;
-  return end;
+  ThrowAwayBehind(end);
+  g_input[g_input_end++] = kCtrlD;
+  g_input[g_input_end++] = kLineFeed;
 }
 
 /// Throws away the rest of a line whose beginning was.
@@ -169,7 +181,10 @@ void WriteAll(const char* text, std::size_t count) {
       count -= static_cast<std::size_t>(done);
     } else if (done < 0 && errno == EAGAIN) {
       WaitFor(g_setup.output, POLLOUT, -1);
-    } else if (done == 0 || errno != EINTR) {
+    } else if (done < 0 && errno == EINTR) {
+      // A signal may ask for the end, and the reader may never read on.
+      BetweenSteps();
+    } else {
       GiveUpOutput();
     }
   }
@@ -194,6 +209,11 @@ void ConsoleOpen(const ConsoleSetup& setup) { g_setup = setup; }
 int ConsoleReadChar() {
   BetweenSteps();
   if (g_input_begin == g_input_end) {
+    if (std::exchange(g_key_first, false)) {
+      ConsoleFlush();
+      WaitFor(g_setup.input, POLLIN, kKeyFirstMicroseconds);
+      g_passes_to_look = 0;
+    }
     if (g_passes_to_look != 0) {
       --g_passes_to_look;
       return -1;
@@ -262,12 +282,15 @@ bool ConsoleInterrupted() {
   }
   const std::size_t before = g_input_end;
   if (InputEvents() > 0) g_input_end += ReadWaiting(g_input + before, sizeof(g_input) - before);
-  if (DiscardToCtrlC()) return true;
+  if (DiscardToCtrlC()) {
+    g_key_first = true;
+    return true;
+  }
   // What is too much is given up, so that a Ctrl-C behind any amount of input is found, and soon.
   if (g_flood != Flood::kNone) {
     ThrowAwayBehind(before);
   } else if (g_input_end > kTypedAhead) {
-    ThrowAwayBehind(WholeLines());
+    KeepWholeLines();
   }
   return false;
 }

@@ -30,6 +30,7 @@ MiiInterface::MiiInterface(RegisterFile& registers) : registers_(registers) {
 
 void MiiInterface::Reset() {
   for (Phy& phy : phys_) phy.Reset();
+  started_ = 0;
   loads_left_ = 0;
   read_valid_ = false;
   Publish();

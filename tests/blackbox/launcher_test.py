@@ -39,12 +39,14 @@ class Terminal(StandInTest):
         self.expect_end(7)
 
     def test_signals(self):
-        numbers = (signal.SIGHUP, signal.SIGINT, signal.SIGQUIT, signal.SIGTERM)
-        for number in numbers:
+        named = (signal.SIGHUP, signal.SIGINT, signal.SIGQUIT, signal.SIGPIPE, signal.SIGALRM,
+                 signal.SIGTERM)
+        others = (signal.SIGUSR1, signal.SIGUSR2, signal.SIGXCPU)
+        for number in named + others:
             with self.subTest(number.name):
                 monitor = self.start()
                 self.terminal.process.send_signal(number)
-                self.expect_end(128 + number)
+                self.expect_end(128 + number if number in named else 1)
                 self.assertFalse(os.path.exists(f"/proc/{monitor}"))
 
     def test_monitor_dies_of_a_signal(self):

@@ -1,6 +1,7 @@
 """Whatever the hardware does, Ctrl-C gives the operator of a terminal the prompt back."""
 
 import os
+import socket
 import struct
 import subprocess
 import tempfile
@@ -14,6 +15,9 @@ import support
 from support import PROMPT, START, UNKNOWN
 
 CTRL_C = b"\x03"
+
+# A line that its Ctrl-D makes void stands where too much was typed in a wait.
+VOID = b"\x04\r\n" + PROMPT
 
 # Seconds from Ctrl-C to the prompt.
 LONGEST = 0.5
@@ -210,6 +214,7 @@ class VirtualBoard(Operator, unittest.TestCase):
         self.terminal.screen.shows(support.EMPTY_ROUTE % 0 + PROMPT)
         for line in lines[:236]:
             self.terminal.screen.shows(line + b"\n" + UNKNOWN + PROMPT)
+        self.terminal.screen.shows(VOID)
         self.terminal.type(later)
         self.terminal.screen.shows(answered)
         self.still_works()
@@ -224,9 +229,45 @@ class VirtualBoard(Operator, unittest.TestCase):
         self.start("--fault", "slow:l3:300000000")
         self.enter(b"l3 0")
         self.terminal.type(4000 * b"x")
-        self.terminal.screen.shows(support.EMPTY_ROUTE % 0 + PROMPT)
+        self.terminal.screen.shows(support.EMPTY_ROUTE % 0 + PROMPT + VOID)
         self.terminal.type(b"x\rkept\r")
         self.terminal.screen.shows(b"kept\r\n" + UNKNOWN + PROMPT)
+
+    def test_too_much_behind_the_beginning_of_a_line(self):
+        """The editor holds it when a frame makes the packet service wait."""
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        path = os.path.join(folder.name, "lan")
+        self.start("--fault", "slow:release:300000000", "--lan", "unix:" + path)
+        self.enter(b"frame r = auto")
+        self.terminal.screen.shows(PROMPT)
+        self.terminal.type(b"reg 102 2")
+        self.terminal.screen.shows(b"reg 102 2")
+        with socket.socket(socket.AF_UNIX, socket.SOCK_SEQPACKET) as peer:
+            peer.connect(path)
+            peer.send(PACKET)
+            self.terminal.screen.until(frames.dump(frames.buffer_of(0), PACKET))
+            self.terminal.type(4000 * b" ")
+            self.terminal.screen.shows(VOID)
+            self.terminal.type(b" \r = 77\r")
+            self.terminal.screen.shows(b" = 77\r\n" + UNKNOWN + PROMPT)
+
+    def test_keys_get_through_between_waits_of_the_service(self):
+        """Each frame waits in vain; a key that comes behind a Ctrl-C is taken before the next."""
+        self.start("--fault", "hang:tx", "--lan", self.capture(100))
+        self.enter(b"frame r = forward")
+        for key in b"frame r = manual\r":
+            time.sleep(0.05)
+            self.terminal.type(CTRL_C)
+            time.sleep(0.05)
+            self.terminal.type(bytes([key]))
+        self.terminal.type(CTRL_C)
+        self.still_works_soon()
+
+    def still_works_soon(self):
+        """Behind whatever is shown before."""
+        self.terminal.type(b"zz\r")
+        self.terminal.screen.until(b"zz\r\n" + UNKNOWN + PROMPT)
 
     def test_ctrl_c_behind_too_much(self):
         self.start("--fault", "hang:l3")

@@ -62,6 +62,16 @@ TEST_F(TableEngine, APulseEndedWithoutALoadNeedsBothLoadsOfTheWait) {
   EXPECT_EQ(Load(), 0x0B);
 }
 
+TEST_F(TableEngine, AResetForgetsTheOperationButNotTheFault) {
+  engine_.SetFault({.kind = Fault::Kind::kBusy});
+  Store(0x0D);
+  engine_.Reset();
+  EXPECT_EQ(Load(), 0x00);
+  engine_.SetFault({});
+  for (int i = 0; i < 3; ++i) EXPECT_EQ(Load(), 0x03);
+  EXPECT_EQ(operations_, Operations{});
+}
+
 TEST_F(TableEngine, TellsOfTheEndOfEachOperation) {
   unsigned ends = 0;
   engine_.on_end = [&] { ++ends; };
