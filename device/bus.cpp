@@ -27,10 +27,25 @@ volatile T& WindowAt(std::uint32_t offset) {
   return *reinterpret_cast<volatile T*>(static_cast<std::uintptr_t>(kWindowAddress) + offset);
 }
 
+/// What lies at a bus address; null outside the mapping, as when the hardware has moved the base
+/// since the address was made.
 template <typename T>
-volatile T& MemoryAt(std::uint32_t address) {
+volatile T* MemoryAt(std::uint32_t address) {
   const std::uint32_t from_base = address - (std::uint32_t{g_memory_base} << 16);
-  return *reinterpret_cast<volatile T*>(g_memory + from_base);
+  if (from_base > kMemorySize - sizeof(T)) return nullptr;
+  return reinterpret_cast<volatile T*>(g_memory + from_base);
+}
+
+/// Where nothing is, all ones.
+template <typename T>
+T LoadFrom(std::uint32_t address) {
+  const volatile T* const at = MemoryAt<T>(address);
+  return at != nullptr ? *at : static_cast<T>(~0U);
+}
+
+template <typename T>
+void StoreTo(std::uint32_t address, T value) {
+  if (volatile T* const at = MemoryAt<T>(address)) *at = value;
 }
 
 }  // namespace
@@ -76,14 +91,10 @@ bool MemoryMap(std::uint16_t base) {
   return g_memory != nullptr;
 }
 
-std::uint8_t MemoryLoad8(std::uint32_t address) { return MemoryAt<std::uint8_t>(address); }
-std::uint16_t MemoryLoad16(std::uint32_t address) { return MemoryAt<std::uint16_t>(address); }
-void MemoryStore8(std::uint32_t address, std::uint8_t value) {
-  MemoryAt<std::uint8_t>(address) = value;
-}
-void MemoryStore16(std::uint32_t address, std::uint16_t value) {
-  MemoryAt<std::uint16_t>(address) = value;
-}
+std::uint8_t MemoryLoad8(std::uint32_t address) { return LoadFrom<std::uint8_t>(address); }
+std::uint16_t MemoryLoad16(std::uint32_t address) { return LoadFrom<std::uint16_t>(address); }
+void MemoryStore8(std::uint32_t address, std::uint8_t value) { StoreTo(address, value); }
+void MemoryStore16(std::uint32_t address, std::uint16_t value) { StoreTo(address, value); }
 void MemoryCopy(std::uint32_t to, std::uint32_t from, std::uint32_t count) {
   for (std::uint32_t i = 0; i < count; ++i) MemoryStore8(to + i, MemoryLoad8(from + i));
 }

@@ -150,6 +150,27 @@ class Registers(kernel_memory.KernelMemoryTest):
         screen.shows(b"l3 c 5\r\nINDEX: 5 COUNTER:12345678\n\r" + PROMPT)
 
 
+class MovingBase(kernel_memory.KernelMemoryTest):
+    SECONDS = 1
+
+    def test_buffer_memory_that_moves_in_the_middle_of_an_operation(self):
+        """Addresses made before lie outside the mapping then, and the monitor goes on."""
+        monitor = subprocess.Popen(self.command(), stdin=subprocess.PIPE, stdout=subprocess.DEVNULL)
+        self.addCleanup(support.end, monitor)
+        monitor.stdin.write(b"frame r = forward\n")
+        monitor.stdin.flush()
+        end = time.monotonic() + self.SECONDS
+        while time.monotonic() < end:
+            for base in (b"\x01\x00", b"\x20\x00"):
+                self.store(0x10C, base)
+                # A frame that waits, and engines that are done.
+                self.store(0x210, b"\x00\x10")
+                self.store(0x426, b"\x10\x04")
+                self.store(0x42B, b"\x02")
+                self.store(0x430, b"\x06")
+        self.assertIsNone(monitor.poll())
+
+
 class Idle(kernel_memory.KernelMemoryTest):
     SECONDS = 2
     # Ten wake-ups a second are allowed behind the end of input.
