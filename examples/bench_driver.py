@@ -68,6 +68,8 @@ class DebugMonitorDriver:
 
 def main(address, *commands):
     host, _, port = address.rpartition(":")
+    if not host or not port.isdigit():
+        sys.exit(f"bench_driver: {address}: the address is HOST:PORT")
     driver = DebugMonitorDriver(host, int(port))
     try:
         driver.activate()
