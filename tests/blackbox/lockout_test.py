@@ -111,6 +111,14 @@ class Operator:
         self.still_works()
 
 
+def slow(engine, seconds=1):
+    """The fault with which an operation of the engine takes about so long on this machine."""
+    sample = 10_000_000
+    begin = time.monotonic()
+    support.run([support.program("VIRTUAL_BOARD"), "--fault", f"slow:l3:{sample}", "-c", "l3 0"])
+    return f"slow:{engine}:{int(sample * seconds / (time.monotonic() - begin))}"
+
+
 class VirtualBoard(Operator, unittest.TestCase):
     def start(self, *options):
         self.terminal = support.Terminal(self)
@@ -207,7 +215,7 @@ class VirtualBoard(Operator, unittest.TestCase):
     def check_too_much(self, last, later, answered):
         """During a wait 300 lines of 13 characters are typed, and `last`; 236 of them are 3072
         characters but four. The wait is over when they have been shown; then `later` is typed."""
-        self.start("--fault", "slow:l3:300000000")
+        self.start("--fault", slow("l3"))
         self.enter(b"l3 0")
         lines = [b"zz %09d\r" % number for number in range(300)]
         self.terminal.type(b"".join(lines) + last)
@@ -226,7 +234,7 @@ class VirtualBoard(Operator, unittest.TestCase):
         self.check_too_much(b"zz zz", b"zz\rkept\r", b"kept\r\n" + UNKNOWN + PROMPT)
 
     def test_too_much_without_a_line_end(self):
-        self.start("--fault", "slow:l3:300000000")
+        self.start("--fault", slow("l3"))
         self.enter(b"l3 0")
         self.terminal.type(4000 * b"x")
         self.terminal.screen.shows(support.EMPTY_ROUTE % 0 + PROMPT + VOID)
@@ -238,7 +246,7 @@ class VirtualBoard(Operator, unittest.TestCase):
         folder = tempfile.TemporaryDirectory()
         self.addCleanup(folder.cleanup)
         path = os.path.join(folder.name, "lan")
-        self.start("--fault", "slow:release:300000000", "--lan", "unix:" + path)
+        self.start("--fault", slow("release"), "--lan", "unix:" + path)
         self.enter(b"frame r = auto")
         self.terminal.screen.shows(PROMPT)
         self.terminal.type(b"reg 102 2")
