@@ -18,17 +18,16 @@ struct Role {
 
 using Roles = std::vector<Role>;
 
-void Add(Roles& roles, const char* option, const std::string& path, bool written) {
+void Add(Roles& roles, const std::string& option, const std::string& path, bool written) {
   if (!path.empty()) roles.push_back({option, path, written});
 }
 
 Roles RolesOf(const Options& options) {
   Roles roles;
-  constexpr const char* kPortOptions[] = {"--wan", "--lan", "--dmz"};
   for (unsigned port = 0; port < options.world.ports.size(); ++port) {
     const CaptureNames names = CapturesOf(options.world.ports[port]);
-    Add(roles, kPortOptions[port], names.in, false);
-    Add(roles, kPortOptions[port], names.out, true);
+    Add(roles, PortOption(port), names.in, false);
+    Add(roles, PortOption(port), names.out, true);
   }
   Add(roles, "--capture", options.world.capture, true);
   Add(roles, "--trace", options.trace_file.value_or(""), true);

@@ -92,9 +92,8 @@ void Describe(CLI::App& app, Options& options) {
       ->type_name("SPEC")
       ->check(CheckArgument, "")
       ->allow_extra_args(false);
-  constexpr const char* kPortNames[] = {"--wan", "--lan", "--dmz"};
   for (unsigned port = 0; port < options.world.ports.size(); ++port) {
-    app.add_option(kPortNames[port], options.world.ports[port],
+    app.add_option(PortOption(port), options.world.ports[port],
                    "Connect the port: tap:NAME, pcap:[IN][,OUT], unix:PATH or none")
         ->type_name("X")
         ->check(CheckPort, "");
@@ -169,6 +168,8 @@ void CheckTogether(const Options& options) {
 }
 
 }  // namespace
+
+std::string PortOption(unsigned port) { return std::string("--") + chip::kMacPortNames[port]; }
 
 Options ParseOptions(int argc, const char* const* argv) {
   Options options;

@@ -84,6 +84,7 @@ class CapturePort : public Port {
 
   void Send(Frame frame) override {
     if (!dumper_) return;
+    // It costs two system calls, which are too many for each frame that goes to a file.
     std::optional<BrokenPipeIsError> guard;
     if (out_is_pipe_) guard.emplace();
     const timespec now = WallClock();

@@ -269,12 +269,7 @@ class VirtualBoard(Operator, unittest.TestCase):
             self.terminal.type(CTRL_C)
             time.sleep(0.05)
             self.terminal.type(bytes([key]))
-        self.terminal.type(CTRL_C)
-        self.still_works_soon()
-
-    def still_works_soon(self):
-        """Behind whatever is shown before."""
-        self.terminal.type(b"zz\r")
+        self.terminal.type(CTRL_C + b"zz\r")
         self.terminal.screen.until(b"zz\r\n" + UNKNOWN + PROMPT)
 
     def test_ctrl_c_behind_too_much(self):
