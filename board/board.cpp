@@ -47,7 +47,7 @@ Descriptor MakeScript(const std::vector<std::string>& lines) {
   return file;
 }
 
-void PollWorld() { g_board->PollWorld(); }
+void PollNetwork() { g_board->PollNetwork(); }
 
 std::uint64_t MonotonicNanoseconds() {
   const std::chrono::nanoseconds time = std::chrono::steady_clock::now().time_since_epoch();
@@ -67,9 +67,9 @@ Board::Board(const Options& options) : options_(options) {
   if (options.save_file) state_file_.emplace(*options.save_file);
   if (options.load_file) LoadStateFile(*options.load_file, chip_);
   if (options.gpio_inputs) chip_.gpio.SetInputs(*options.gpio_inputs);
-  WorldSetup world = options.world;
-  world.keep_settings = options.load_file.has_value();
-  world_.emplace(chip_, world);
+  NetworkSetup network = options.network;
+  network.keep_settings = options.load_file.has_value();
+  network_.emplace(chip_, network);
   if (options.uart_file) OpenUart(*options.uart_file);
   if (options.pty_link) pseudo_terminal_.emplace(*options.pty_link);
   if (options.trace_file) OpenTrace(*options.trace_file);
@@ -77,7 +77,7 @@ Board::Board(const Options& options) : options_(options) {
   OpenConsole(options.keep_delete);
   if (!state_file_) return;
   end_signals_.emplace();
-  world_->Watch(end_signals_->Fd());
+  network_->Watch(end_signals_->Fd());
 }
 
 void Board::OpenTrace(const std::string& path) { trace_.emplace(path).Watch(chip_); }
@@ -98,8 +98,8 @@ void Board::OpenUart(const std::string& path) {
 
 void Board::OpenConsole(bool keep_delete) {
   monitor::ConsoleSetup setup;
-  setup.watched = world_->WatchedFd();
-  setup.on_watched = board::PollWorld;
+  setup.watched = network_->WatchedFd();
+  setup.on_watched = board::PollNetwork;
   setup.only_events = [] { return !g_board->FramesPending(); };
   if (script_.Open()) {
     setup.input = script_.Get();
@@ -115,7 +115,7 @@ void Board::OpenConsole(bool keep_delete) {
   }
   if (!pseudo_terminal_) setup.at_end_of_input = EndOfInput;
   setup.before_wait = [] { g_board->BeforeWait(); };
-  if (options_.plain) setup.leaves_out = [](char c) { return g_board->LeavesOut(c); };
+  if (options_.plain) setup.filter = [](char c) { return g_board->FilterOutput(c); };
   setup.on_long_wait = [] { g_board->TellOfLongWait(); };
   if (state_file_) setup.between_steps = [] { g_board->EndWhenSignalled(); };
   monitor::ConsoleOpen(setup);
@@ -128,8 +128,8 @@ int Board::Finish() {
 }
 
 bool Board::WriteAll() {
-  world_->Flush();
-  bool failed = !Save() || world_->Failed() || !uart_;
+  network_->Flush();
+  bool failed = !Save() || network_->Failed() || !uart_;
   if (trace_) {
     trace_->Flush();
     failed = failed || trace_->Failed();
@@ -139,14 +139,14 @@ bool Board::WriteAll() {
 
 int Board::StatusOfLines() const {
   if (options_.commands.empty()) return options_.plain ? progress_.Status() : EXIT_SUCCESS;
-  const std::size_t done = progress_.LinesOver() + (progress_.Left() ? 1 : 0);
+  const std::size_t done = progress_.LinesDone() + (progress_.Exited() ? 1 : 0);
   if (done == options_.commands.size()) return progress_.Status();
   Report("'" + options_.commands[done] + "' is behind an 'exit' and was not run");
   return std::max(progress_.Status(), kExitRefused);
 }
 
-bool Board::LeavesOut(char c) {
-  if (c == '\r' || progress_.Doing().empty()) return true;
+bool Board::FilterOutput(char c) {
+  if (c == '\r' || progress_.CurrentCommand().empty()) return true;
   in_answer_line_ = c != '\n';
   return false;
 }
@@ -159,8 +159,8 @@ void Board::Note(monitor::ShellEvent event) {
   EndAnswer();
   progress_.Note(event);
   if (!trace_) return;
-  if (event == monitor::ShellEvent::kRun) trace_->Mark(progress_.Doing());
-  if (event == monitor::ShellEvent::kServe) trace_->MarkOnce(progress_.Doing());
+  if (event == monitor::ShellEvent::kRun) trace_->Mark(progress_.CurrentCommand());
+  if (event == monitor::ShellEvent::kServe) trace_->MarkOnce(progress_.CurrentCommand());
 }
 
 void Board::NoteLostLine() {
@@ -173,7 +173,7 @@ void Board::TellOfLongWait() const {
   const monitor::Awaited& awaited = monitor::LastAwaited();
   if (!awaited.first_look) return;
   const bool terminal = pseudo_terminal_ || terminal_;
-  Report("'" + progress_.Doing() + "' " + DescribeWait(awaited) +
+  Report("'" + progress_.CurrentCommand() + "' " + DescribeWait(awaited) +
          (terminal ? "; Ctrl-C ends the wait"
                    : "; without a terminal only the end of the program ends it"));
 }
@@ -196,13 +196,13 @@ void Board::EndWhenSignalled() {
   std::raise(signal);
 }
 
-bool Board::FramesPending() const { return world_->Pending(); }
+bool Board::FramesPending() const { return network_->Pending(); }
 
-void Board::PollWorld() { world_->Poll(); }
+void Board::PollNetwork() { network_->Poll(); }
 
 void Board::BeforeWait() {
   if (trace_) trace_->Flush();
-  world_->NoteWait();
+  network_->NoteWait();
 }
 
 }  // namespace board

@@ -6,7 +6,7 @@
 #include "board/end_signals.h"
 #include "board/options.h"
 #include "board/ports/descriptor.h"
-#include "board/ports/world.h"
+#include "board/ports/network.h"
 #include "board/progress.h"
 #include "board/pseudo_terminal.h"
 #include "board/state/state_file.h"
@@ -44,7 +44,7 @@ class Board {
   [[nodiscard]] bool FramesPending() const;
 
   /// Lets frames in that have come from outside.
-  void PollWorld();
+  void PollNetwork();
 
   /// Ends the program when a signal asks for that and the state has to be saved first.
   void EndWhenSignalled();
@@ -57,7 +57,7 @@ class Board {
   void OpenUart(const std::string& path);
   void OpenConsole(bool keep_delete);
   /// True for output that is no answer, and for what a plain line end has not.
-  [[nodiscard]] bool LeavesOut(char c);
+  [[nodiscard]] bool FilterOutput(char c);
   /// Ends a plain answer's last line where the command leaves that to the prompt.
   void EndAnswer();
   [[nodiscard]] int StatusOfLines() const;
@@ -73,7 +73,7 @@ class Board {
   std::optional<PseudoTerminal> pseudo_terminal_;
   std::optional<Trace> trace_;
   std::ofstream uart_;
-  std::optional<World> world_;
+  std::optional<Network> network_;
   std::optional<RawTerminal> terminal_;
   std::optional<StateFile> state_file_;
   std::optional<EndSignals> end_signals_;

@@ -10,7 +10,7 @@
 #include <charconv>
 
 #include "board/faults.h"
-#include "board/file_roles.h"
+#include "board/file_conflicts.h"
 #include "board/nearest.h"
 #include "board/registers/export.h"
 #include "shell/line_editor.h"
@@ -92,15 +92,15 @@ void Describe(CLI::App& app, Options& options) {
       ->type_name("SPEC")
       ->check(CheckArgument, "")
       ->allow_extra_args(false);
-  for (unsigned port = 0; port < options.world.ports.size(); ++port) {
-    app.add_option(PortOption(port), options.world.ports[port],
+  for (unsigned port = 0; port < options.network.ports.size(); ++port) {
+    app.add_option(PortOption(port), options.network.ports[port],
                    "Connect the port: tap:NAME, pcap:[IN][,OUT], unix:PATH or none")
         ->type_name("X")
         ->check(CheckPort, "");
   }
-  app.add_flag("--realtime", options.world.options.realtime,
+  app.add_flag("--realtime", options.network.options.realtime,
                "Replay captures with their own timing, not as fast as frames are taken");
-  app.add_option("--capture", options.world.capture, "Record all ports in FILE (pcapng)")
+  app.add_option("--capture", options.network.capture, "Record all ports in FILE (pcapng)")
       ->type_name("FILE")
       ->check(CheckFile, "");
   app.add_option("--uart", options.uart_file, "Write what the UART sends to FILE")
@@ -132,7 +132,7 @@ std::vector<std::string> OptionNames(const CLI::App& app) {
 
 /// Complains about words that are no options. Those that look like one are named first, as the
 /// others may have been meant for them.
-void RefuseStrangers(const std::vector<std::string>& words, const CLI::App& app) {
+void RefuseUnknownArguments(const std::vector<std::string>& words, const CLI::App& app) {
   std::string unknown;
   for (const std::string& word : words) {
     if (!word.starts_with('-') || word == "-" || word == "--") continue;
@@ -188,9 +188,9 @@ Options ParseOptions(int argc, const char* const* argv) {
   } catch (const CLI::ParseError& error) {
     throw UsageError(error.what());
   }
-  RefuseStrangers(app.remaining(), app);
+  RefuseUnknownArguments(app.remaining(), app);
   CheckTogether(options);
-  CheckFileRoles(options);
+  CheckFileConflicts(options);
   if (options.registers) options.answer = RegisterMapIn(*options.registers);
   return options;
 }

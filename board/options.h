@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "board/ports/world.h"
+#include "board/ports/network.h"
 
 namespace board {
 
@@ -21,7 +21,7 @@ struct Options {
   std::optional<std::string> pty_link;      ///< Console on a pseudo-terminal under this link.
   std::optional<std::string> trace_file;    ///< Every bus access goes there.
   std::vector<std::string> faults;          ///< As SetFault takes them.
-  WorldSetup world;                         ///< What the ports are connected to.
+  NetworkSetup network;                     ///< What the ports are connected to.
   std::optional<std::string> uart_file;     ///< What the UART sends goes there.
   std::optional<std::uint8_t> gpio_inputs;  ///< Levels of the general-purpose pins.
   std::optional<std::string> load_file;     ///< The state to start with.

@@ -31,13 +31,13 @@ void Progress::Note(monitor::ShellEvent event) {
   using enum monitor::ShellEvent;
   switch (event) {
     case kEdit:
-      doing_.clear();
+      current_command_.clear();
       break;
     case kServe:
-      doing_ = kPacketService;
+      current_command_ = kPacketService;
       break;
     case kRun:
-      doing_ = LineText();
+      current_command_ = LineText();
       runs_ = true;
       break;
     case kDone:
@@ -54,7 +54,7 @@ void Progress::Note(monitor::ShellEvent event) {
 
 void Progress::EndLine(int status) {
   runs_ = false;
-  ++lines_over_;
+  ++lines_done_;
   status_ = std::max(status_, status);
 }
 

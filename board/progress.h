@@ -15,13 +15,13 @@ class Progress {
 
   /// The line that runs, as it stands after editing, unprintable characters as "\x1b"; "packet
   /// service" while that has its turn. Empty at the prompt.
-  [[nodiscard]] const std::string& Doing() const { return doing_; }
+  [[nodiscard]] const std::string& CurrentCommand() const { return current_command_; }
 
   /// Lines that have come to their end, `exit` not among them.
-  [[nodiscard]] std::size_t LinesOver() const { return lines_over_; }
+  [[nodiscard]] std::size_t LinesDone() const { return lines_done_; }
 
   /// True once `exit` has been run.
-  [[nodiscard]] bool Left() const { return runs_; }
+  [[nodiscard]] bool Exited() const { return runs_; }
 
   /// Exit status for the lines so far: that of the worst of them, 0 when all were carried out.
   [[nodiscard]] int Status() const { return status_; }
@@ -29,9 +29,9 @@ class Progress {
  private:
   void EndLine(int status);
 
-  std::string doing_;
+  std::string current_command_;
   bool runs_ = false;
-  std::size_t lines_over_ = 0;
+  std::size_t lines_done_ = 0;
   int status_ = 0;
 };
 

@@ -7,14 +7,14 @@
 namespace chip {
 namespace {
 
-std::string HoleText(std::uint32_t offset) { return "no register at " + Hex(offset, 4); }
+std::string UnmappedText(std::uint32_t offset) { return "no register at " + Hex(offset, 4); }
 
 }  // namespace
 
 RegisterFile::RegisterFile() {
   row_at_.fill(kUnclaimed);
-  load_care_.fill(kSpecial);
-  store_care_.fill(kSpecial);
+  load_flags_.fill(kSpecial);
+  store_flags_.fill(kSpecial);
 }
 
 void RegisterFile::Claim(std::uint16_t offset, unsigned width, const char* name,
@@ -25,8 +25,8 @@ void RegisterFile::Claim(std::uint16_t offset, unsigned width, const char* name,
   for (unsigned i = 0; i < width; ++i) {
     assert(row_at_[offset + i] == kUnclaimed);
     row_at_[offset + i] = static_cast<std::uint16_t>(rows_.size());
-    load_care_[offset + i] = CareOf(static_cast<bool>(behaviour.before_load));
-    store_care_[offset + i] = CareOf(special_store);
+    load_flags_[offset + i] = FlagsOf(static_cast<bool>(behaviour.before_load));
+    store_flags_[offset + i] = FlagsOf(special_store);
   }
   Disassemble(offset, width, behaviour.reset);
   rows_.push_back({offset, static_cast<std::uint8_t>(width), name, behaviour});
@@ -47,15 +47,15 @@ const RegisterFile::Row* RegisterFile::WholeRow(std::uint32_t offset, unsigned w
   return row.offset == offset && row.width == width ? &row : nullptr;
 }
 
-template <typename VisitRow, typename VisitHole>
+template <typename VisitRow, typename VisitUnmapped>
 void RegisterFile::ForEachRow(std::uint32_t offset, unsigned width, VisitRow visit_row,
-                              VisitHole visit_hole) {
+                              VisitUnmapped visit_unmapped) {
   std::uint32_t at = offset;
   while (at < offset + width) {
     const std::uint16_t index = row_at_[at];
     if (index == kUnclaimed) {
-      ComplainOfHole(at);
-      visit_hole(at);
+      ComplainOfUnmapped(at);
+      visit_unmapped(at);
       ++at;
     } else {
       const Row& row = rows_[index];
@@ -68,8 +68,8 @@ void RegisterFile::ForEachRow(std::uint32_t offset, unsigned width, VisitRow vis
 void RegisterFile::Watch(std::function<void(const Access&)> observer) {
   observer_ = std::move(observer);
   watched_ = observer_ ? kWatched : 0;
-  for (Care* const care : {&load_care_, &store_care_}) {
-    for (std::uint8_t& one : *care) one = CareOf((one & kSpecial) != 0);
+  for (DispatchFlags* const flags : {&load_flags_, &store_flags_}) {
+    for (std::uint8_t& one : *flags) one = FlagsOf((one & kSpecial) != 0);
   }
 }
 
@@ -149,21 +149,21 @@ void RegisterFile::ComplainOfStore(const Row& row, std::uint32_t offset) {
   Complain("store to read-only " + row.name + " at " + Hex(offset, 4));
 }
 
-void RegisterFile::ComplainOfHole(std::uint32_t offset) {
-  if (++hole_accesses_[offset] == 1 && on_complaint) on_complaint(HoleText(offset));
+void RegisterFile::ComplainOfUnmapped(std::uint32_t offset) {
+  if (++unmapped_accesses_[offset] == 1 && on_complaint) on_complaint(UnmappedText(offset));
 }
 
 std::map<std::string, unsigned> RegisterFile::Complaints() const {
   auto all = complaints_;
   for (std::uint32_t offset = 0; offset < kSize; ++offset) {
-    if (hole_accesses_[offset] != 0) all[HoleText(offset)] = hole_accesses_[offset];
+    if (unmapped_accesses_[offset] != 0) all[UnmappedText(offset)] = unmapped_accesses_[offset];
   }
   return all;
 }
 
 void RegisterFile::ForgetComplaints() {
   complaints_.clear();
-  hole_accesses_.fill(0);
+  unmapped_accesses_.fill(0);
 }
 
 void RegisterFile::State(StateArchive& archive) {
@@ -181,11 +181,11 @@ void RegisterFile::State(StateArchive& archive) {
       }
     }
   });
-  HoleState(archive);
+  UnmappedState(archive);
 }
 
 /// Bytes that no register claims.
-void RegisterFile::HoleState(StateArchive& archive) {
+void RegisterFile::UnmappedState(StateArchive& archive) {
   archive.Group("no_register", [&] {
     for (std::uint32_t offset = 0; offset < kSize; ++offset) {
       if (row_at_[offset] != kUnclaimed) continue;

@@ -53,7 +53,7 @@ class RegisterFile {
 
   /// Says whether loads of the register have to call its `before_load`, as they do at first. They
   /// are quicker without.
-  void CallBeforeLoad(monitor::Reg8 reg, bool on) { load_care_[reg.offset] = CareOf(on); }
+  void CallBeforeLoad(monitor::Reg8 reg, bool on) { load_flags_[reg.offset] = FlagsOf(on); }
 
   // What the registers hold, beside the bus: no hooks, no masks, no complaints.
   template <std::unsigned_integral T>
@@ -78,11 +78,11 @@ class RegisterFile {
   /// A bus load or store of `width` bytes. Values are register values (the byte at the lowest
   /// offset is the most significant). An access that leaves the window reads as all ones.
   [[nodiscard]] std::uint32_t Load(std::uint32_t offset, unsigned width) {
-    if (!IsPlain(load_care_, offset, width)) return LoadSpecial(offset, width);
+    if (!IsPlain(load_flags_, offset, width)) return LoadSpecial(offset, width);
     return Assemble(offset, width);
   }
   void Store(std::uint32_t offset, unsigned width, std::uint32_t value) {
-    if (!IsPlain(store_care_, offset, width)) {
+    if (!IsPlain(store_flags_, offset, width)) {
       StoreSpecial(offset, width, value);
     } else {
       Disassemble(offset, width, value);
@@ -125,13 +125,13 @@ class RegisterFile {
 
   static constexpr std::uint16_t kUnclaimed = 0xFFFF;
 
-  /// What loads or stores have to take care of beside the storage, for each byte of the window, so
+  /// What a load or store does besides moving bytes, for each byte of the window, so
   /// that an access looks at all of its bytes at once. 0: nothing.
-  using Care = std::array<std::uint8_t, kSize>;
+  using DispatchFlags = std::array<std::uint8_t, kSize>;
   static constexpr std::uint8_t kSpecial = 0x01;  ///< What the register does, or its absence.
   static constexpr std::uint8_t kWatched = 0x02;  ///< The observer.
 
-  [[nodiscard]] std::uint8_t CareOf(bool special) const {
+  [[nodiscard]] std::uint8_t FlagsOf(bool special) const {
     return static_cast<std::uint8_t>(watched_ | (special ? kSpecial : 0));
   }
 
@@ -145,9 +145,10 @@ class RegisterFile {
   [[nodiscard]] static bool IsProper(std::uint32_t offset, unsigned width) {
     return offset < kSize && (offset & (width - 1)) == 0;
   }
-  [[nodiscard]] static bool IsPlain(const Care& care, std::uint32_t offset, unsigned width) {
-    constexpr Care::value_type kNothing[] = {0, 0, 0, 0};
-    return IsProper(offset, width) && std::memcmp(&care[offset], kNothing, width) == 0;
+  [[nodiscard]] static bool IsPlain(const DispatchFlags& flags, std::uint32_t offset,
+                                    unsigned width) {
+    constexpr DispatchFlags::value_type kNothing[] = {0, 0, 0, 0};
+    return IsProper(offset, width) && std::memcmp(&flags[offset], kNothing, width) == 0;
   }
   [[nodiscard]] std::uint32_t Assemble(std::uint32_t offset, unsigned width) const {
     const std::uint8_t* const bytes = &bytes_[offset];
@@ -178,26 +179,27 @@ class RegisterFile {
   bool ComplainOfAddress(std::uint32_t offset, unsigned width);
   /// The register that the access reaches whole and alone, as most do; null otherwise.
   [[nodiscard]] const Row* WholeRow(std::uint32_t offset, unsigned width) const;
-  /// Calls `visit_row` once for each register that the access touches, `visit_hole` for each
+  /// Calls `visit_row` once for each register that the access touches, `visit_unmapped` for each
   /// byte without one.
-  template <typename VisitRow, typename VisitHole>
-  void ForEachRow(std::uint32_t offset, unsigned width, VisitRow visit_row, VisitHole visit_hole);
+  template <typename VisitRow, typename VisitUnmapped>
+  void ForEachRow(std::uint32_t offset, unsigned width, VisitRow visit_row,
+                  VisitUnmapped visit_unmapped);
   /// Stores into the register the bits of `value` that the access at `offset` reaches.
   void StoreToRow(const Row& row, std::uint32_t offset, std::uint32_t reach, std::uint32_t value);
   void ComplainOfStore(const Row& row, std::uint32_t offset);
-  void ComplainOfHole(std::uint32_t offset);
-  void HoleState(StateArchive& archive);
+  void ComplainOfUnmapped(std::uint32_t offset);
+  void UnmappedState(StateArchive& archive);
 
   std::vector<Row> rows_;
   std::array<std::uint16_t, kSize> row_at_;
-  Care load_care_;
-  Care store_care_;
-  std::uint8_t watched_ = 0;  ///< What being watched adds to every byte's care.
+  DispatchFlags load_flags_;
+  DispatchFlags store_flags_;
+  std::uint8_t watched_ = 0;  ///< kWatched while there is an observer, in every byte's flags.
   std::function<void(const Access&)> observer_;
   std::array<std::uint8_t, kSize> bytes_{};
   std::map<std::string, unsigned> complaints_;
   /// Accesses to bytes without a register; dumps of the whole window make many.
-  std::array<unsigned, kSize> hole_accesses_{};
+  std::array<unsigned, kSize> unmapped_accesses_{};
 };
 
 }  // namespace chip

@@ -129,7 +129,7 @@ bool EndsLine(char c) {
 }
 
 /// Throws the input behind `kept` away.
-void ThrowAwayBehind(std::size_t kept) {
+void DiscardAfter(std::size_t kept) {
   if (kept == g_input_end) return;
   g_flood = EndsLine(g_input[g_input_end - 1]) ? Flood::kBetweenLines : Flood::kInLine;
   g_input_end = kept;
@@ -140,7 +140,7 @@ void ThrowAwayBehind(std::size_t kept) {
 void KeepWholeLines() {
   std::size_t end = kTypedAhead;
   while (end != 0 && !EndsLine(g_input[end - 1])) --end;
-  ThrowAwayBehind(end);
+  DiscardAfter(end);
   g_input[g_input_end++] = kCtrlD;
   g_input[g_input_end++] = kLineFeed;
 }
@@ -236,12 +236,12 @@ int ConsoleReadChar() {
 
 void ConsoleSend(const char* text, std::size_t count) {
   g_passes_to_look = 0;
-  if (g_setup.leaves_out == nullptr) {
+  if (g_setup.filter == nullptr) {
     Queue(text, count);
     return;
   }
   for (; count != 0; --count, ++text) {
-    if (!g_setup.leaves_out(*text)) Queue(text, 1);
+    if (!g_setup.filter(*text)) Queue(text, 1);
   }
 }
 
@@ -288,7 +288,7 @@ bool ConsoleInterrupted() {
   }
   // What is too much is given up, so that a Ctrl-C behind any amount of input is found, and soon.
   if (g_flood != Flood::kNone) {
-    ThrowAwayBehind(before);
+    DiscardAfter(before);
   } else if (g_input_end > kTypedAhead) {
     KeepWholeLines();
   }

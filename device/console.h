@@ -19,8 +19,8 @@ struct ConsoleSetup {
   /// Called when the monitor waits for input that has ended, maybe in the middle of a line, or
   /// fails with that error number.
   void (*at_end_of_input)(int error, bool in_line) = nullptr;
-  bool (*leaves_out)(char c) = nullptr;  ///< True: a character is not to go to the output.
-  void (*on_long_wait)() = nullptr;      ///< Called at each look for a Ctrl-C in a long wait.
+  bool (*filter)(char c) = nullptr;  ///< True: a character is not to go to the output.
+  void (*on_long_wait)() = nullptr;  ///< Called at each look for a Ctrl-C in a long wait.
 };
 
 /// Replaces the setup. Standard input and output without extras hold until it is called.

@@ -1,4 +1,4 @@
-#include "board/ports/world.h"
+#include "board/ports/network.h"
 
 #include <sys/epoll.h>
 
@@ -30,14 +30,14 @@ constexpr std::size_t kBuffersLeftFree = 64;
 
 }  // namespace
 
-World::World(chip::RouterChip& chip, const WorldSetup& setup)
+Network::Network(chip::RouterChip& chip, const NetworkSetup& setup)
     : chip_(chip), watch_(epoll_create1(EPOLL_CLOEXEC)) {
   if (!setup.capture.empty()) capture_.emplace(setup.capture, kInterfaceNames);
   for (unsigned port = 0; port < ports_.size(); ++port) {
     ports_[port] = OpenPort(setup.ports[port], setup.options);
     if (!ports_[port]) continue;
     if (!setup.keep_settings) chip_.registers.Set(monitor::kMacControl[port], kPortUp);
-    Attend(port);
+    UpdateLink(port);
   }
   chip_.frames.on_transmit = [this](unsigned port, std::span<const std::uint8_t> frame) {
     Send(port, frame);
@@ -45,7 +45,7 @@ World::World(chip::RouterChip& chip, const WorldSetup& setup)
   chip_.interrupts.before_status = [this] { PollWhenDue(); };
 }
 
-void World::PollWhenDue() {
+void Network::PollWhenDue() {
   // While the monitor works off what has come, looking for more can wait a little.
   if (chip_.frames.Waiting() && ++looks_ < kLooksBetweenPolls) return;
   looks_ = 0;
@@ -54,15 +54,15 @@ void World::PollWhenDue() {
   Poll();
 }
 
-void World::Poll() {
+void Network::Poll() {
   for (unsigned port = 0; port < ports_.size(); ++port) {
     if (!ports_[port]) continue;
     Take(port);
-    Attend(port);
+    UpdateLink(port);
   }
 }
 
-void World::Take(unsigned port) {
+void Network::Take(unsigned port) {
   const bool waits = ports_[port]->Waits();
   for (unsigned i = 0; i < kFramesPerPoll; ++i) {
     if (waits && (!chip_.frames.LinkUp(port) || chip_.frames.FreeBuffers() <= kBuffersLeftFree)) {
@@ -75,21 +75,21 @@ void World::Take(unsigned port) {
   }
 }
 
-void World::Send(unsigned port, std::span<const std::uint8_t> frame) {
+void Network::Send(unsigned port, std::span<const std::uint8_t> frame) {
   if (capture_) capture_->Record(port, Direction::kOutbound, frame);
   if (!ports_[port]) return;
   ports_[port]->Send(frame);
   // What was closed leaves the set before its number comes to mean something else.
-  Attend(port);
+  UpdateLink(port);
 }
 
-void World::Flush() {
+void Network::Flush() {
   for (const auto& port : ports_) {
     if (port) port->Flush();
   }
 }
 
-void World::Attend(unsigned port) {
+void Network::UpdateLink(unsigned port) {
   chip_.mii.SetLink(static_cast<std::uint8_t>(1U << port), ports_[port]->LinkUp());
   const int fd = ports_[port]->WatchedFd();
   if (fd == watched_[port]) return;
@@ -99,13 +99,13 @@ void World::Attend(unsigned port) {
   if (fd >= 0) Watch(fd);
 }
 
-void World::Watch(int fd) {
+void Network::Watch(int fd) {
   epoll_event event{};
   event.events = EPOLLIN;
   epoll_ctl(watch_.Get(), EPOLL_CTL_ADD, fd, &event);
 }
 
-bool World::Pending() const {
+bool Network::Pending() const {
   if (chip_.frames.Waiting()) return true;
   for (unsigned port = 0; port < ports_.size(); ++port) {
     if (ports_[port] && ports_[port]->Pending() && chip_.frames.LinkUp(port)) return true;
@@ -113,7 +113,7 @@ bool World::Pending() const {
   return false;
 }
 
-bool World::Failed() const {
+bool Network::Failed() const {
   if (capture_ && capture_->Failed()) return true;
   for (const auto& port : ports_) {
     if (port && port->Failed()) return true;

@@ -1,4 +1,4 @@
-#include "board/file_roles.h"
+#include "board/file_conflicts.h"
 
 #include <filesystem>
 #include <system_error>
@@ -24,12 +24,12 @@ void Add(Roles& roles, const std::string& option, const std::string& path, bool 
 
 Roles RolesOf(const Options& options) {
   Roles roles;
-  for (unsigned port = 0; port < options.world.ports.size(); ++port) {
-    const CaptureNames names = CapturesOf(options.world.ports[port]);
+  for (unsigned port = 0; port < options.network.ports.size(); ++port) {
+    const CaptureNames names = CapturesOf(options.network.ports[port]);
     Add(roles, PortOption(port), names.in, false);
     Add(roles, PortOption(port), names.out, true);
   }
-  Add(roles, "--capture", options.world.capture, true);
+  Add(roles, "--capture", options.network.capture, true);
   Add(roles, "--trace", options.trace_file.value_or(""), true);
   Add(roles, "--uart", options.uart_file.value_or(""), true);
   Add(roles, "--load", options.load_file.value_or(""), false);
@@ -61,7 +61,7 @@ bool MayShare(const Role& one, const Role& other) {
 
 }  // namespace
 
-void CheckFileRoles(const Options& options) {
+void CheckFileConflicts(const Options& options) {
   const Roles roles = RolesOf(options);
   for (std::size_t i = 0; i < roles.size(); ++i) {
     for (std::size_t j = i + 1; j < roles.size(); ++j) {

@@ -14,17 +14,17 @@
 namespace board {
 
 /// What the options ask for.
-struct WorldSetup {
+struct NetworkSetup {
   std::array<std::string, 3> ports{"none", "none", "none"};  ///< WAN, LAN, DMZ.
   PortOptions options;
   std::string capture;         ///< File that records every port; empty for none.
   bool keep_settings = false;  ///< The chip's ports have been set, so a boot loader sets nothing.
 };
 
-class World {
+class Network {
  public:
   /// Throws PortError when something cannot be opened.
-  World(chip::RouterChip& chip, const WorldSetup& setup);
+  Network(chip::RouterChip& chip, const NetworkSetup& setup);
 
   /// Moves frames that have come into the chip. Captures without timing of their own give no
   /// more than the chip has buffers for.
@@ -57,7 +57,7 @@ class World {
   void Take(unsigned port);
   void Send(unsigned port, std::span<const std::uint8_t> frame);
   /// Tells the chip and the watch set what has become of the port.
-  void Attend(unsigned port);
+  void UpdateLink(unsigned port);
 
   chip::RouterChip& chip_;
   std::array<std::unique_ptr<Port>, 3> ports_;

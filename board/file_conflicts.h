@@ -6,6 +6,6 @@ namespace board {
 
 /// Refuses a file that is written and also used in another way, as one would destroy the other;
 /// `--load` and `--save` may share theirs. Devices and pipes may be shared. Throws UsageError.
-void CheckFileRoles(const Options& options);
+void CheckFileConflicts(const Options& options);
 
 }  // namespace board
