@@ -1,6 +1,6 @@
 #include "core/long_wait.h"
 
-#include "core/console_port.h"
+#include "console/console_port.h"
 
 namespace monitor {
 namespace {

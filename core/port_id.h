@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/parse.h"
+#include "console/parse.h"
 
 namespace monitor {
 

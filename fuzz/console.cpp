@@ -5,7 +5,7 @@
 #include <csetjmp>
 #include <memory>
 
-#include "core/console_port.h"
+#include "console/console_port.h"
 #include "fuzz/input.h"
 #include "mac/packet_service.h"
 #include "shell/shell.h"

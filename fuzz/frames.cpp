@@ -6,7 +6,7 @@
 #include <memory>
 #include <vector>
 
-#include "core/console_port.h"
+#include "console/console_port.h"
 #include "fuzz/input.h"
 #include "mac/packet_service.h"
 #include "mac/port_config_registers.h"

@@ -1,7 +1,7 @@
 #include "mac/packet_service.h"
 
+#include "console/console.h"
 #include "core/bus.h"
-#include "core/console.h"
 #include "core/port_id.h"
 #include "mac/frame.h"
 #include "mac/station_address.h"

@@ -2,7 +2,7 @@
 // three external ports.
 #pragma once
 
-#include "core/command.h"
+#include "console/command.h"
 #include "core/driver_status.h"
 #include "core/port_id.h"
 

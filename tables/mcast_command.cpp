@@ -1,6 +1,6 @@
+#include "console/print_map.h"
+#include "console/slot_range.h"
 #include "core/port_id.h"
-#include "core/print_map.h"
-#include "core/slot_range.h"
 #include "tables/mcast.h"
 
 namespace monitor {

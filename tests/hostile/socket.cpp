@@ -3,8 +3,8 @@
 #include <cstring>
 #include <vector>
 
+#include "console/console_port.h"
 #include "core/bus.h"
-#include "core/console_port.h"
 #include "hostile/event.h"
 
 using hostile::Happen;

@@ -5,8 +5,8 @@
 #include <deque>
 #include <utility>
 
-#include "core/console.h"
-#include "core/console_port.h"
+#include "console/console.h"
+#include "console/console_port.h"
 #include "support/scripted_bus.h"
 
 namespace {

@@ -4,7 +4,7 @@
 #include <iostream>
 #include <utility>
 
-#include "core/console_port.h"
+#include "console/console_port.h"
 #include "shell/shell.h"
 #include "support/session.h"
 #include "support/session_steps.h"
