@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "console/console_port.h"
+#include "core/long_wait.h"
 
 namespace monitor {
 namespace {
@@ -270,10 +271,10 @@ void ConsoleIdle(long microseconds) {
   ConsoleWait(only_events ? -1 : microseconds);
 }
 
-bool ConsoleInterrupted() {
+bool WaitInterrupted(const Awaited& awaited) {
   BetweenSteps();
   ConsoleFlush();
-  if (g_setup.on_long_wait != nullptr) g_setup.on_long_wait();
+  if (g_setup.on_long_wait != nullptr) g_setup.on_long_wait(awaited);
   if (isatty(g_setup.input) == 0) return false;
   if (g_input_begin != 0) {
     memmove(g_input, g_input + g_input_begin, g_input_end - g_input_begin);

@@ -3,6 +3,8 @@
 
 namespace monitor {
 
+struct Awaited;
+
 /// How the console differs from plain standard input and output.
 struct ConsoleSetup {
   int input = 0;
@@ -20,7 +22,8 @@ struct ConsoleSetup {
   /// fails with that error number.
   void (*at_end_of_input)(int error, bool in_line) = nullptr;
   bool (*filter)(char c) = nullptr;  ///< True: a character is not to go to the output.
-  void (*on_long_wait)() = nullptr;  ///< Called at each look for a Ctrl-C in a long wait.
+  /// Called at each look for a Ctrl-C in a long wait.
+  void (*on_long_wait)(const Awaited& awaited) = nullptr;
 };
 
 /// Replaces the setup. Standard input and output without extras hold until it is called.

@@ -116,7 +116,7 @@ void Board::OpenConsole(bool keep_delete) {
   if (!pseudo_terminal_) setup.at_end_of_input = EndOfInput;
   setup.before_wait = [] { g_board->BeforeWait(); };
   if (options_.plain) setup.filter = [](char c) { return g_board->FilterOutput(c); };
-  setup.on_long_wait = [] { g_board->TellOfLongWait(); };
+  setup.on_long_wait = [](const monitor::Awaited& awaited) { g_board->TellOfLongWait(awaited); };
   if (state_file_) setup.between_steps = [] { g_board->EndWhenSignalled(); };
   monitor::ConsoleOpen(setup);
 }
@@ -169,8 +169,7 @@ void Board::NoteLostLine() {
   progress_.Note(monitor::ShellEvent::kRefused);
 }
 
-void Board::TellOfLongWait() const {
-  const monitor::Awaited& awaited = monitor::LastAwaited();
+void Board::TellOfLongWait(const monitor::Awaited& awaited) const {
   if (!awaited.first_look) return;
   const bool terminal = pseudo_terminal_ || terminal_;
   Report("'" + progress_.CurrentCommand() + "' " + DescribeWait(awaited) +

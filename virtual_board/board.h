@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "chip/router_chip.h"
+#include "core/long_wait.h"
 #include "host/descriptor.h"
 #include "host/end_signals.h"
 #include "machine/ports/network.h"
@@ -38,7 +39,7 @@ class Board {
   void NoteLostLine();
 
   /// Tells the operator, once in each wait, what the monitor waits for.
-  void TellOfLongWait() const;
+  void TellOfLongWait(const monitor::Awaited& awaited) const;
 
   /// True while captures still have frames that the packet service would take.
   [[nodiscard]] bool FramesPending() const;
