@@ -5,10 +5,11 @@
 #include <array>
 #include <cstdint>
 
+#include "net/ethernet.h"
+
 namespace monitor {
 
-/// Six bytes in transmission order.
-using MacAddress = std::array<std::uint8_t, 6>;
+using net::MacAddress;
 
 /// Parses `text` as a hexadecimal number of at least one and at most `width` digits (leading
 /// zeros count) after an optional "0X", into a big-endian byte field of (width - 1) / 2 + 1

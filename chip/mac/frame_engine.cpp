@@ -8,6 +8,7 @@
 #include "mac/frame_registers.h"
 #include "mac/port_config_registers.h"
 #include "mac/station_address_registers.h"
+#include "net/ethernet.h"
 #include "system/interrupt_registers.h"
 
 namespace chip {
@@ -17,8 +18,6 @@ using namespace monitor;  // NOLINT: the register names
 namespace {
 
 constexpr unsigned kMostUses = 15;
-
-constexpr MacAddress kBroadcastAddress{0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF};
 
 constexpr EngineBits kTransmitBits{.read_done = kTransmitDone.Mask(),
                                    .write_done = kTransmitDone.Mask(),
@@ -35,13 +34,11 @@ constexpr EngineBits kReleaseBits{.read_done = kReleaseDone.Mask(),
                                   .write = 0};
 
 /// The destination, as far as the frame goes.
-MacAddress Destination(std::span<const std::uint8_t> frame) {
-  MacAddress mac{};
+net::MacAddress Destination(std::span<const std::uint8_t> frame) {
+  net::MacAddress mac{};
   std::copy_n(frame.begin(), std::min(frame.size(), mac.size()), mac.begin());
   return mac;
 }
-
-bool IsGroup(const MacAddress& mac) { return (mac[0] & 0x01) != 0; }
 
 }  // namespace
 
@@ -100,9 +97,9 @@ bool FrameEngine::LoopedBack(unsigned port) const {
 }
 
 ReceiveReason FrameEngine::Classify(unsigned port, std::span<const std::uint8_t> frame) const {
-  const MacAddress mac = Destination(frame);
-  if (mac == kBroadcastAddress) return ReceiveReason::kBroadcast;
-  if (IsGroup(mac)) return ReceiveReason::kMulticast;
+  const net::MacAddress mac = Destination(frame);
+  if (mac == net::kBroadcastMac) return ReceiveReason::kBroadcast;
+  if (net::IsGroup(mac)) return ReceiveReason::kMulticast;
   const bool to_cpu = mac == registers_.Get(kCpuMac);
   const bool to_wan = port == 0 && mac == registers_.Get(kWanMac);
   return to_cpu || to_wan ? ReceiveReason::kStation : ReceiveReason::kOther;
