@@ -1,5 +1,7 @@
 #include "mac/port_config.h"
 
+#include "console/port_words.h"
+
 namespace monitor {
 namespace {
 

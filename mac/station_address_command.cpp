@@ -1,5 +1,7 @@
 #include "mac/station_address.h"
 
+#include "console/port_words.h"
+
 namespace monitor {
 namespace {
 

@@ -1,6 +1,7 @@
 #include "console/print_map.h"
+
+#include "console/port_words.h"
 #include "console/slot_range.h"
-#include "core/port_id.h"
 #include "tables/mcast.h"
 
 namespace monitor {

@@ -11,15 +11,16 @@ CONSOLE = ("console/console.h", "console/console_port.h", "console/command.h")
 
 # Who may include what, by folder of the included file. A folder may always include itself.
 MAY_INCLUDE = {
-    "core": ("console",),
-    "console": ("core",),
+    "core": (),
+    "net": (),
+    "console": ("core", "net"),
     "shell": ("core", "console", *BLOCKS),
     "debug_monitor": ("core", "console", "shell"),
-    "chip": ("core", *BLOCKS),
+    "chip": ("core", "net", *BLOCKS),
     "host": ("console",),
     "machine": ("core", "chip", "host", "virtual_board", *BLOCKS),
     "virtual_board": ("core", "console", "shell", "chip", "host", "machine", *BLOCKS),
-    **{block: ("core", "console", *BLOCKS) for block in BLOCKS},
+    **{block: ("core", "net", "console", *BLOCKS) for block in BLOCKS},
 }
 
 

@@ -1,11 +1,11 @@
 #include "console/parse.h"
 
+#include "console/port_words.h"
+
 #include <gtest/gtest.h>
 
 #include <optional>
 #include <string>
-
-#include "core/port_id.h"
 
 namespace monitor {
 namespace {
