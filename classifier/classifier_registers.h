@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/engine.h"
-#include "core/register_map.h"
+#include "core/value_names.h"
 
 namespace monitor {
 
@@ -26,10 +26,10 @@ inline constexpr Field kClsTag{2, 0, "tag", "802.1p tag"};
 
 inline constexpr Reg8 kClsFlags2{0x719, "CLS_FLAGS2", "drop precedence, sense, interfaces"};
 inline constexpr Field kClsDropValid{7, 7, "drop_valid", "drop precedence is enforced"};
-inline constexpr Field kClsDropHigh{6, 6, "drop_high", "drop precedence: 1 high, 0 low"};
-inline constexpr Field kClsPositive{5, 5, "positive", "1 positive, 0 negated match"};
-inline constexpr Field kClsIngress{4, 4, "ingress", "applies at 1 ingress, 0 egress"};
-inline constexpr Field kClsInterfaces{3, 0, "interfaces", "ingress set: CPU, DMZ, LAN, WAN"};
+inline constexpr Field kClsDropHigh{6, 6, "drop_high", "drop precedence"};
+inline constexpr Field kClsPositive{5, 5, "positive", "sense of the match"};
+inline constexpr Field kClsIngress{4, 4, "ingress", "where the rule applies"};
+inline constexpr Field kClsInterfaces{3, 0, "interfaces", "ingress set"};
 
 inline constexpr Reg32 kClsControl{0x71C, "CLS_CONTROL", "link, actions, valid bits"};
 inline constexpr Field kClsNext{31, 24, "next", "next rule of the chain"};
@@ -72,7 +72,7 @@ inline constexpr Reg8 kClsFlags3{0x754, "CLS_FLAGS3", "RST, class, ingress tag, 
 inline constexpr Field kClsRst{5, 5, "rst", "RST"};
 inline constexpr Field kClsClass{4, 3, "class", "class to assign"};
 inline constexpr Field kClsDdsValid{2, 2, "dds_valid", "DS is rewritten"};
-inline constexpr Field kClsIngressTagged{1, 1, "ingress_tagged", "frame must arrive tagged"};
+inline constexpr Field kClsIngressTagged{1, 1, "ingress_tagged", "how the frame must arrive"};
 inline constexpr Field kClsAck{0, 0, "ack", "ACK"};
 
 inline constexpr Reg8 kClsExtendedValid{0x755, "CLS_EXTENDED_VALID", "more valid bits"};
@@ -88,37 +88,72 @@ inline constexpr Field kClsDesiredVlanTag{13, 13, "tag", "tag the frame"};
 inline constexpr Field kClsDesiredVlanForce{12, 12, "force", "force the VLAN"};
 inline constexpr Field kClsDesiredVlanId{11, 0, "id", "VLAN id to put on the frame"};
 
+inline constexpr ValueName kClsSenseNames[] = {
+    {0, "negated", "negated"},
+    {1, "positive", "positive"},
+};
+inline constexpr ValueName kClsSideNames[] = {{0, "egress", "egress"}, {1, "ingress", "ingress"}};
+inline constexpr ValueName kClsTaggedNames[] = {
+    {0, "untagged", "untagged"},
+    {1, "tagged", "tagged"},
+};
+
 inline constexpr RegisterRow kClsRegisters[] = {
-    kClsEtherType,
-    kClsProtocol,
+    {kClsEtherType, ValueKind::kEtherType},
+    {kClsProtocol, ValueKind::kIpProtocol},
     kClsDs,
-    kClsSip,
+    {kClsSip, ValueKind::kIpv4Address},
     kClsSipMask,
-    kClsDip,
+    {kClsDip, ValueKind::kIpv4Address},
     kClsDipMask,
-    kClsSport,
-    kClsDport,
+    {kClsSport, ValueKind::kTransportPort},
+    {kClsDport, ValueKind::kTransportPort},
     {kClsFlags1, {kClsClassValid, kClsSynValid, kClsSyn, kClsFinValid, kClsFin, kClsTag}},
-    {kClsFlags2, {kClsDropValid, kClsDropHigh, kClsPositive, kClsIngress, kClsInterfaces}},
+    {kClsFlags2,
+     {kClsDropValid,
+      {kClsDropHigh, kPriorityNames},
+      {kClsPositive, kClsSenseNames},
+      {kClsIngress, kClsSideNames},
+      {kClsInterfaces, kAnyPorts}}},
     {kClsControl,
-     {kClsNext, kClsDtag, kClsDtagValid, kClsToCpu, kClsFilter, kClsCopyToCpu, kClsInterfacesValid,
-      kClsDds, kClsEndOfChain, kClsTagValid, kClsDsValid, kClsProtocolValid, kClsDportValid,
-      kClsSportValid, kClsDipValid, kClsSipValid, kClsEtherTypeValid, kClsRuleValid}},
+     {{kClsNext, ValueKind::kIndex},
+      kClsDtag,
+      kClsDtagValid,
+      kClsToCpu,
+      kClsFilter,
+      kClsCopyToCpu,
+      kClsInterfacesValid,
+      kClsDds,
+      kClsEndOfChain,
+      kClsTagValid,
+      kClsDsValid,
+      kClsProtocolValid,
+      kClsDportValid,
+      kClsSportValid,
+      kClsDipValid,
+      kClsSipValid,
+      kClsEtherTypeValid,
+      kClsRuleValid}},
     {kClsCommand,
-     {kClsCounterSelect, kEngineWrite, kEngineStart, kEngineWriteReady, kEngineReadReady}},
-    {kClsIndex, {kClsRuleNumber}},
-    {kClsHead, {kClsRuleNumber}},
-    kClsCounter,
-    kClsOverflow,
-    kClsSmac,
-    kClsDmac,
-    kClsVlan,
+     {kClsCounterSelect,
+      {kEngineWrite, kDirectionNames},
+      kEngineStart,
+      kEngineWriteReady,
+      kEngineReadReady}},
+    {kClsIndex, {{kClsRuleNumber, ValueKind::kIndex}}},
+    {kClsHead, {{kClsRuleNumber, ValueKind::kIndex}}},
+    {kClsCounter, ValueKind::kCounter},
+    {kClsOverflow, ValueKind::kBits},
+    {kClsSmac, ValueKind::kMacAddress},
+    {kClsDmac, ValueKind::kMacAddress},
+    {kClsVlan, ValueKind::kVlanId},
     {kClsSpMask, {kClsPortMask}},
     {kClsDpMask, {kClsPortMask}},
-    {kClsFlags3, {kClsRst, kClsClass, kClsDdsValid, kClsIngressTagged, kClsAck}},
+    {kClsFlags3, {kClsRst, kClsClass, kClsDdsValid, {kClsIngressTagged, kClsTaggedNames}, kClsAck}},
     {kClsExtendedValid,
      {kClsRstValid, kClsItagValid, kClsAckValid, kClsVlanValid, kClsDmacValid, kClsSmacValid}},
-    {kClsDesiredVlan, {kClsDesiredVlanTag, kClsDesiredVlanForce, kClsDesiredVlanId}},
+    {kClsDesiredVlan,
+     {kClsDesiredVlanTag, kClsDesiredVlanForce, {kClsDesiredVlanId, ValueKind::kVlanId}}},
 };
 
 }  // namespace monitor

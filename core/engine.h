@@ -12,7 +12,7 @@ inline constexpr Field kEngineWriteReady{1, 1, "write_ready", "idle, and the las
 
 // The other bits of most engines' command bytes.
 inline constexpr Field kEngineStart{2, 2, "start", "pulsed to start a step"};
-inline constexpr Field kEngineWrite{3, 3, "write", "direction: 1 write, 0 read"};
+inline constexpr Field kEngineWrite{3, 3, "write", "direction"};
 
 /// How the start pulse ends: by clearing the start bit (one load, one store), or by a store of
 /// a fixed value.

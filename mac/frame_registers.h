@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/register_map.h"
+#include "core/value_names.h"
 
 namespace monitor {
 
@@ -13,9 +13,9 @@ inline constexpr Field kReleaseStart{0, 0, "release_start", "pulsed: give the bu
 inline constexpr Reg8 kReleaseHandle{0x428, "FRAME_RELEASE_HANDLE", "buffer to give back"};
 inline constexpr Reg8 kTransmitHandle{0x429, "FRAME_TX_HANDLE", "buffer to send"};
 inline constexpr Reg8 kTransmitControl{0x42A, "FRAME_TX_CONTROL", "where and how to send"};
-inline constexpr Field kTransmitHigh{6, 6, "high", "1 high priority"};
+inline constexpr Field kTransmitHigh{6, 6, "high", "priority"};
 inline constexpr Field kTransmitClass{5, 4, "class", "class of service"};
-inline constexpr Field kTransmitPort{3, 0, "port", "one-hot: WAN, LAN, DMZ, CPU"};
+inline constexpr Field kTransmitPort{3, 0, "port", "port to send to, one-hot"};
 inline constexpr Reg8 kTransmitCommand{0x42B, "FRAME_TX_COMMAND", "transmit handshake"};
 inline constexpr Field kTransmitDone{1, 1, "done", "the buffer is queued"};
 inline constexpr Field kTransmitStart{0, 0, "start", "pulsed: send"};
@@ -27,14 +27,15 @@ inline constexpr Reg8 kStatusHandle{0x431, "FRAME_STATUS_HANDLE", "buffer to que
 
 inline constexpr RegisterRow kFrameRegisters[] = {
     kBufferBase,
-    kReceiveHandle,
+    {kReceiveHandle, ValueKind::kHandle},
     {kBufferControl, {kReleaseDone, kReceiveAcknowledge, kReleaseStart}},
-    kReleaseHandle,
-    kTransmitHandle,
-    {kTransmitControl, {kTransmitHigh, kTransmitClass, kTransmitPort}},
+    {kReleaseHandle, ValueKind::kHandle},
+    {kTransmitHandle, ValueKind::kHandle},
+    {kTransmitControl,
+     {{kTransmitHigh, kPriorityNames}, kTransmitClass, {kTransmitPort, kOnePort}}},
     {kTransmitCommand, {kTransmitDone, kTransmitStart}},
     {kBufferStatus, {kBufferUses, kStatusDone, kStatusStart}},
-    kStatusHandle,
+    {kStatusHandle, ValueKind::kHandle},
 };
 
 // Buffer memory: 256 buffers, each a header and room for a frame.

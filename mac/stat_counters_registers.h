@@ -3,7 +3,7 @@
 #include <array>
 
 #include "core/engine.h"
-#include "core/register_map.h"
+#include "core/value_names.h"
 
 namespace monitor {
 
@@ -13,15 +13,23 @@ inline constexpr Reg32 kStatWordB{0x854, "SC_WORD_B", "second data word of the g
 inline constexpr Reg32 kStatWordA{0x858, "SC_WORD_A", "first data word of the group"};
 inline constexpr Reg8 kStatCommand{0x85C, "SC_COMMAND", "engine command and status"};
 inline constexpr Reg8 kStatSelector{0x85D, "SC_SELECTOR", "what a step works on"};
-inline constexpr Field kStatPort{4, 3, "port", "0 WAN, 1 LAN, 2 DMZ"};
+inline constexpr Field kStatPort{4, 3, "port", "port"};
 inline constexpr Field kStatGroup{2, 0, "group", "counters packed into the same two words"};
 
+inline constexpr ValueName kStatPortNames[] = {
+    {0, "wan", "WAN"},
+    {1, "lan", "LAN"},
+    {2, "dmz", "DMZ"},
+};
+
 inline constexpr RegisterRow kStatCounterRegisters[] = {
-    kStatOverflow,
+    {kStatOverflow, ValueKind::kBits},
     kStatWordB,
     kStatWordA,
-    {kStatCommand, {kEngineWrite, kEngineStart, kEngineWriteReady, kEngineReadReady}},
-    {kStatSelector, {kStatPort, kStatGroup}},
+    {kStatCommand,
+     {{kEngineWrite, kDirectionNames}, kEngineStart, kEngineWriteReady, kEngineReadReady}},
+    {kStatSelector,
+     {{kStatPort, {ValueKind::kPort, kStatPortNames}}, {kStatGroup, ValueKind::kIndex}}},
 };
 
 inline constexpr unsigned kStatGroups = 8;

@@ -11,7 +11,9 @@ inline constexpr Reg32 kDmzIp{0x41C, "DMZ_IP", "DMZ port address"};
 inline constexpr RegBytes<6> kWanMac{0x420, "WAN_MAC", "WAN station address, first octet first"};
 
 inline constexpr RegisterRow kStationAddressRegisters[] = {
-    kCpuMac, kWanIp, kLanIp, kDmzIp, kWanMac,
+    {kCpuMac, ValueKind::kMacAddress}, {kWanIp, ValueKind::kIpv4Address},
+    {kLanIp, ValueKind::kIpv4Address}, {kDmzIp, ValueKind::kIpv4Address},
+    {kWanMac, ValueKind::kMacAddress},
 };
 
 }  // namespace monitor

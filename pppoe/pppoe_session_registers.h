@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/engine.h"
-#include "core/register_map.h"
+#include "core/value_names.h"
 
 namespace monitor {
 
@@ -18,12 +18,13 @@ inline constexpr Field kPstValid{0, 0, "valid", "entry in use"};
 inline constexpr Reg8 kPstCommand{0xA0F, "PST_COMMAND", "engine command and status"};
 
 inline constexpr RegisterRow kPstRegisters[] = {
-    kPstIp,
-    kPstSession,
-    kPstVlan,
-    kPstServerMac,
-    {kPstFlags, {kPstIndex, kPstForce, kPstTag, kPstUsed, kPstValid}},
-    {kPstCommand, {kEngineWrite, kEngineStart, kEngineWriteReady, kEngineReadReady}},
+    {kPstIp, ValueKind::kIpv4Address},
+    {kPstSession, ValueKind::kSessionId},
+    {kPstVlan, ValueKind::kVlanId},
+    {kPstServerMac, ValueKind::kMacAddress},
+    {kPstFlags, {{kPstIndex, ValueKind::kIndex}, kPstForce, kPstTag, kPstUsed, kPstValid}},
+    {kPstCommand,
+     {{kEngineWrite, kDirectionNames}, kEngineStart, kEngineWriteReady, kEngineReadReady}},
 };
 
 }  // namespace monitor

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/engine.h"
-#include "core/register_map.h"
+#include "core/value_names.h"
 
 namespace monitor {
 
@@ -19,23 +19,27 @@ inline constexpr Field kPxtInternalTag{2, 2, "internal_tag", "internal tag switc
 inline constexpr Field kPxtInternalForce{1, 1, "internal_force", "internal force switch"};
 inline constexpr Field kPxtInternalUsed{0, 0, "internal_used", "internal side in use"};
 inline constexpr Reg8 kPxtFlags{0xA39, "PXT_FLAGS", "port, index, valid"};
-inline constexpr Field kPxtPort{7, 6, "port", "internal port: 2 DMZ, else LAN"};
+inline constexpr Field kPxtPort{7, 6, "port", "internal port, LAN if unnamed"};
 inline constexpr Field kPxtIndex{5, 4, "index", "entry that a step works on"};
 inline constexpr Field kPxtValid{0, 0, "valid", "entry in use"};
 inline constexpr Reg8 kPxtCommand{0xA3A, "PXT_COMMAND", "engine command and status"};
 
+inline constexpr ValueName kPxtPortNames[] = {{2, "dmz", "DMZ"}};
+
 inline constexpr RegisterRow kPxtRegisters[] = {
-    kPxtInternalMac,
-    kPxtExternalMac,
-    kPxtInternalSession,
-    kPxtExternalSession,
-    kPxtInternalVlan,
-    kPxtExternalVlan,
+    {kPxtInternalMac, ValueKind::kMacAddress},
+    {kPxtExternalMac, ValueKind::kMacAddress},
+    {kPxtInternalSession, ValueKind::kSessionId},
+    {kPxtExternalSession, ValueKind::kSessionId},
+    {kPxtInternalVlan, ValueKind::kVlanId},
+    {kPxtExternalVlan, ValueKind::kVlanId},
     {kPxtSwitches,
      {kPxtExternalTag, kPxtExternalForce, kPxtExternalUsed, kPxtInternalTag, kPxtInternalForce,
       kPxtInternalUsed}},
-    {kPxtFlags, {kPxtPort, kPxtIndex, kPxtValid}},
-    {kPxtCommand, {kEngineWrite, kEngineStart, kEngineWriteReady, kEngineReadReady}},
+    {kPxtFlags,
+     {{kPxtPort, {ValueKind::kPort, kPxtPortNames}}, {kPxtIndex, ValueKind::kIndex}, kPxtValid}},
+    {kPxtCommand,
+     {{kEngineWrite, kDirectionNames}, kEngineStart, kEngineWriteReady, kEngineReadReady}},
 };
 
 }  // namespace monitor

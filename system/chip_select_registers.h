@@ -25,9 +25,17 @@ inline constexpr Reg16 kCsAlternativeStart{0x124, "CS_ALTERNATIVE_START",
                                            "start of the alternative region"};
 
 inline constexpr Reg8 kSdramType{0x130, "SDRAM_TYPE", "geometry of the SDRAM"};
-inline constexpr Field kSdramRow{7, 5, "row", "row bits - 11"};
-inline constexpr Field kSdramColumn{4, 2, "column", "column bits - 8"};
-inline constexpr Field kSdramChipSelect{0, 0, "chip_select", "chip selects - 1"};
+inline constexpr Field kSdramRow{7, 5, "row", "row bits"};
+inline constexpr Field kSdramColumn{4, 2, "column", "column bits"};
+inline constexpr Field kSdramChipSelect{0, 0, "chip_select", "chip selects"};
+
+inline constexpr ValueName kSdramRowNames[] = {
+    {0, "bits11", "11"},
+    {1, "bits12", "12"},
+    {2, "bits13", "13"},
+};
+inline constexpr ValueName kSdramColumnNames[] = {{0, "bits8", "8"}, {1, "bits9", "9"}};
+inline constexpr ValueName kSdramChipSelectNames[] = {{0, "one", "1"}, {1, "two", "2"}};
 
 inline constexpr RegisterRow kChipSelectRegisters[] = {
     kCs0Start,
@@ -44,7 +52,10 @@ inline constexpr RegisterRow kChipSelectRegisters[] = {
     {kCs5MaskSize, {kCsMaskSize}},
     {kCs5Wait, {kCsWait}},
     kCsAlternativeStart,
-    {kSdramType, {kSdramRow, kSdramColumn, kSdramChipSelect}},
+    {kSdramType,
+     {{kSdramRow, kSdramRowNames},
+      {kSdramColumn, kSdramColumnNames},
+      {kSdramChipSelect, kSdramChipSelectNames}}},
 };
 
 }  // namespace monitor

@@ -4,7 +4,7 @@
 
 namespace monitor {
 
-// One bit a pin in each.
+// One bit per pin in each.
 inline constexpr Reg8 kGpioDirection{0x220, "GPIO_DIRECTION", "direction of the pins"};
 inline constexpr Reg8 kGpioData{0x221, "GPIO_DATA", "levels of the pins"};
 inline constexpr Reg8 kGpioStatus{0x222, "GPIO_STATUS", "interrupt status"};
@@ -13,7 +13,9 @@ inline constexpr Reg8 kGpioEnable{0x224, "GPIO_ENABLE", "interrupt enable"};
 inline constexpr Reg8 kGpioTrigger{0x225, "GPIO_TRIGGER", "interrupt trigger"};
 
 inline constexpr RegisterRow kGpioRegisters[] = {
-    kGpioDirection, kGpioData, kGpioStatus, kGpioSetting, kGpioEnable, kGpioTrigger,
+    {kGpioDirection, ValueKind::kBits}, {kGpioData, ValueKind::kBits},
+    {kGpioStatus, ValueKind::kBits},    {kGpioSetting, ValueKind::kBits},
+    {kGpioEnable, ValueKind::kBits},    {kGpioTrigger, ValueKind::kBits},
 };
 
 }  // namespace monitor

@@ -11,8 +11,8 @@ inline constexpr Reg16 kInterruptMask{0x214, "INT_MASK", "mask of the events"};
 
 inline constexpr RegisterRow kInterruptRegisters[] = {
     {kInterruptStatus, {kFrameReceived}},
-    kInterruptGroup,
-    kInterruptMask,
+    {kInterruptGroup, ValueKind::kBits},
+    {kInterruptMask, ValueKind::kBits},
 };
 
 }  // namespace monitor

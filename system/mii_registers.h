@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/register_map.h"
+#include "core/value_names.h"
 
 namespace monitor {
 
@@ -16,9 +16,21 @@ inline constexpr Field kMiiRegister{4, 0, "register", "PHY register number"};
 inline constexpr Reg16 kMiiWriteData{0x40A, "MII_WRITE_DATA", "value to write"};
 inline constexpr Reg16 kMiiReadData{0x40C, "MII_READ_DATA", "value read"};
 
+inline constexpr ValueName kPhyAddressNames[] = {
+    {kPortWan, "wan", "PHY of WAN"},
+    {kPortLan, "lan", "PHY of LAN"},
+    {kPortDmz, "dmz", "PHY of DMZ"},
+};
+
 inline constexpr RegisterRow kMiiRegisters[] = {
     {kMiiCommand,
-     {kMiiReady, kMiiReadValid, kMiiPhy, kMiiStart, kMiiReadAccess, kMiiWriteAccess, kMiiRegister}},
+     {kMiiReady,
+      kMiiReadValid,
+      {kMiiPhy, {ValueKind::kPort, kPhyAddressNames}},
+      kMiiStart,
+      kMiiReadAccess,
+      kMiiWriteAccess,
+      kMiiRegister}},
     kMiiWriteData,
     kMiiReadData,
 };

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/engine.h"
-#include "core/register_map.h"
+#include "core/value_names.h"
 
 namespace monitor {
 
@@ -15,12 +15,13 @@ inline constexpr RegBytes<8> kArpReference{0x640, "ARP_REFERENCE",
                                            "entry was used, slot 0x3F first; 1 clears"};
 
 inline constexpr RegisterRow kArpRegisters[] = {
-    kArpIp,
-    kArpMac,
-    {kArpCommand, {kEngineWrite, kEngineStart, kEngineWriteReady, kEngineReadReady}},
-    kArpIndex,
+    {kArpIp, ValueKind::kIpv4Address},
+    {kArpMac, ValueKind::kMacAddress},
+    {kArpCommand,
+     {{kEngineWrite, kDirectionNames}, kEngineStart, kEngineWriteReady, kEngineReadReady}},
+    {kArpIndex, ValueKind::kIndex},
     {kArpFlags, {kArpValid}},
-    kArpReference,
+    {kArpReference, ValueKind::kBits},
 };
 
 }  // namespace monitor

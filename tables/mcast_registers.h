@@ -1,14 +1,14 @@
 #pragma once
 
 #include "core/engine.h"
-#include "core/register_map.h"
+#include "core/value_names.h"
 
 namespace monitor {
 
 inline constexpr Reg32 kMcastIp{0x61C, "MCAST_IP", "group address"};
 inline constexpr Reg8 kMcastFlags{0x620, "MCAST_FLAGS", "member ports and valid bit"};
 inline constexpr Field kMcastValid{4, 4, "valid", "entry in use"};
-inline constexpr Field kMcastPorts{3, 0, "ports", "member ports: CPU, DMZ, LAN, WAN"};
+inline constexpr Field kMcastPorts{3, 0, "ports", "member ports"};
 inline constexpr Reg8 kMcastCommand{0x621, "MCAST_COMMAND", "engine command and status"};
 inline constexpr Field kMcastCounterSelect{4, 4, "counter", "the step works on the counter"};
 inline constexpr Reg8 kMcastIndex{0x622, "MCAST_INDEX", "slot that a step works on"};
@@ -17,13 +17,17 @@ inline constexpr RegBytes<8> kMcastOverflow{0x624, "MCAST_OVERFLOW",
 inline constexpr Reg32 kMcastCounter{0x62C, "MCAST_COUNTER", "counter of the slot"};
 
 inline constexpr RegisterRow kMcastRegisters[] = {
-    kMcastIp,
-    {kMcastFlags, {kMcastValid, kMcastPorts}},
+    {kMcastIp, ValueKind::kIpv4Address},
+    {kMcastFlags, {kMcastValid, {kMcastPorts, kAnyPorts}}},
     {kMcastCommand,
-     {kMcastCounterSelect, kEngineWrite, kEngineStart, kEngineWriteReady, kEngineReadReady}},
-    kMcastIndex,
-    kMcastOverflow,
-    kMcastCounter,
+     {kMcastCounterSelect,
+      {kEngineWrite, kDirectionNames},
+      kEngineStart,
+      kEngineWriteReady,
+      kEngineReadReady}},
+    {kMcastIndex, ValueKind::kIndex},
+    {kMcastOverflow, ValueKind::kBits},
+    {kMcastCounter, ValueKind::kCounter},
 };
 
 }  // namespace monitor

@@ -16,11 +16,11 @@ inline constexpr Reg16 kNatDefaultAge{0x51E, "NAT_DEFAULT_AGE", "age-out time in
 inline constexpr Reg16 kNatFinAge{0x520, "NAT_FIN_AGE", "age-out time after FIN in 0.1 s"};
 
 inline constexpr RegisterRow kNatConfigRegisters[] = {
-    kNatIp,
+    {kNatIp, ValueKind::kIpv4Address},
     kNatPortPrefix,
     {kNatFlags, {kNatDisableAgeOut, kNatAutoUdp, kNatAutoTcp, kNatDmzToWan, kNatLanToWan}},
-    kNatDefaultAge,
-    kNatFinAge,
+    {kNatDefaultAge, ValueKind::kAge},
+    {kNatFinAge, ValueKind::kAge},
 };
 
 }  // namespace monitor

@@ -88,7 +88,7 @@ def candidates(only):
                 continue
             for number, line in enumerate(path.read_text().splitlines()):
                 code = code_of(line)
-                if "constexpr RegisterRow" in code:
+                if re.search("constexpr (RegisterRow|ValueName|ValueType)", code):
                     break
                 for match in TOKEN.finditer(code):
                     # Names and meanings of registers explain traffic; they do not make it.

@@ -1,5 +1,8 @@
 #include "machine/registers/chip_map.h"
 
+#include "chip/system/phy.h"
+#include "system/phy_registers.h"
+
 namespace board {
 
 ChipMap::ChipMap() : chip_(std::make_unique<chip::RouterChip>()) {}
@@ -18,6 +21,12 @@ BitUse ChipMap::Use(const monitor::RegisterRow& row, std::uint32_t mask) const {
   if ((behaviour->read_only & mask) == mask) return BitUse::kReadOnly;
   const bool one_clears = (behaviour->write_one_to_clear & mask) == mask;
   return one_clears ? BitUse::kOneClears : BitUse::kReadWrite;
+}
+
+std::uint16_t PhyReset(const monitor::RegisterRow& row) { return chip::Phy().Load(row.offset); }
+
+BitUse PhyUse(const monitor::RegisterRow& row) {
+  return monitor::IsReadOnlyPhyRegister(row.offset) ? BitUse::kReadOnly : BitUse::kReadWrite;
 }
 
 std::uint32_t AllBits(const monitor::RegisterRow& row) {

@@ -30,6 +30,11 @@ class ChipMap {
   std::unique_ptr<chip::RouterChip> chip_;
 };
 
+// Of a row of the PHYs' registers: its value at power-on while nothing is attached, and how its
+// bits behave.
+[[nodiscard]] std::uint16_t PhyReset(const monitor::RegisterRow& row);
+[[nodiscard]] BitUse PhyUse(const monitor::RegisterRow& row);
+
 /// The mask of every bit of a row's registers.
 [[nodiscard]] std::uint32_t AllBits(const monitor::RegisterRow& row);
 

@@ -8,8 +8,11 @@
 namespace board {
 namespace {
 
-using monitor::Field;
+using monitor::FieldRow;
 using monitor::RegisterRow;
+using monitor::ValueKind;
+using monitor::ValueName;
+using monitor::ValueType;
 
 std::string Escaped(const std::string& text) {
   std::string escaped;
@@ -61,11 +64,25 @@ void OneClears(Xml& xml, BitUse use) {
   if (use == BitUse::kOneClears) xml.Leaf("modifiedWriteValues", "oneToClear");
 }
 
+/// Bits of a set are no values of their own.
+void Values(Xml& xml, const ValueType& type) {
+  if (type.names.empty() || type.kind == ValueKind::kPortSet) return;
+  xml.Begin("enumeratedValues");
+  for (const ValueName& named : type.names) {
+    xml.Begin("enumeratedValue");
+    xml.Leaf("name", named.name);
+    xml.Leaf("description", named.meaning);
+    xml.Leaf("value", std::to_string(named.value));
+    xml.End("enumeratedValue");
+  }
+  xml.End("enumeratedValues");
+}
+
 void Fields(Xml& xml, const ChipMap& chip, const RegisterRow& row) {
   if (row.field_count == 0) return;
   xml.Begin("fields");
   for (unsigned i = 0; i < row.field_count; ++i) {
-    const Field& field = row.fields[i];
+    const FieldRow& field = row.fields[i];
     const BitUse use = chip.Use(row, field.Mask<std::uint32_t>());
     xml.Begin("field");
     xml.Leaf("name", field.name);
@@ -74,6 +91,7 @@ void Fields(Xml& xml, const ChipMap& chip, const RegisterRow& row) {
     xml.Leaf("msb", std::to_string(field.high));
     Access(xml, use);
     OneClears(xml, use);
+    Values(xml, field.type);
     xml.End("field");
   }
   xml.End("fields");
@@ -130,6 +148,19 @@ void Peripheral(Xml& xml, const ChipMap& chip, const RegisterBlock& block) {
   xml.End("peripheral");
 }
 
+/// The format knows no big-endian device without one.
+void Processor(Xml& xml) {
+  xml.Begin("cpu");
+  xml.Leaf("name", "other");
+  xml.Leaf("revision", "r0p0");
+  xml.Leaf("endian", "big");
+  xml.Leaf("mpuPresent", "false");
+  xml.Leaf("fpuPresent", "false");
+  xml.Leaf("nvicPrioBits", "0");
+  xml.Leaf("vendorSystickConfig", "false");
+  xml.End("cpu");
+}
+
 }  // namespace
 
 std::string WriteSvd(const ChipMap& chip) {
@@ -142,6 +173,7 @@ std::string WriteSvd(const ChipMap& chip) {
   xml.Leaf("description",
            "Router system-on-chip. Registers are big-endian: the byte at the lowest address is the "
            "most significant.");
+  Processor(xml);
   xml.Leaf("addressUnitBits", "8");
   xml.Leaf("width", "32");
   xml.Begin("peripherals");

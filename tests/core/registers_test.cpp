@@ -151,5 +151,28 @@ TEST(RegisterRows, DescribeRegistersOfEveryWidth) {
   EXPECT_EQ(kRows[3].count, 6);
 }
 
+TEST(RegisterRows, SayWhatValuesStandFor) {
+  static constexpr ValueName kModes[] = {{0, "slow", "slow mode"}, {2, "fast", "fast mode"}};
+  constexpr Field kMode{7, 6, "mode", "mode"};
+  constexpr Field kSize{5, 1, "size", "size"};
+  constexpr Field kOn{0, 0, "on", "switch"};
+  static constexpr RegisterRow kRows[] = {
+      {Reg8{0x100, "ONE", "a byte"}, {{kMode, kModes}, kSize, kOn}},
+      {Reg32{0x104, "IP", "an address"}, ValueKind::kIpv4Address},
+      {RegBytes<6>{0x108, "MAC", "an address"}, ValueKind::kMacAddress},
+      Reg16{0x110, "TWO", "a half"},
+  };
+  EXPECT_EQ(kRows[0].fields[0].type.kind, ValueKind::kEnumeration);
+  ASSERT_EQ(kRows[0].fields[0].type.names.size(), 2U);
+  EXPECT_EQ(kRows[0].fields[0].type.names[1].value, 2U);
+  EXPECT_STREQ(kRows[0].fields[0].type.names[1].name, "fast");
+  EXPECT_EQ(kRows[0].fields[1].type.kind, ValueKind::kNumber);
+  EXPECT_EQ(kRows[0].fields[2].type.kind, ValueKind::kFlag);
+  EXPECT_TRUE(kRows[0].fields[2].type.names.empty());
+  EXPECT_EQ(kRows[1].type.kind, ValueKind::kIpv4Address);
+  EXPECT_EQ(kRows[2].type.kind, ValueKind::kMacAddress);
+  EXPECT_EQ(kRows[3].type.kind, ValueKind::kNumber);
+}
+
 }  // namespace
 }  // namespace monitor
