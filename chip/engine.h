@@ -7,6 +7,7 @@
 #include <string>
 
 #include "chip/register_file.h"
+#include "core/engine_fields.h"
 
 namespace chip {
 
@@ -33,9 +34,17 @@ struct EngineBits {
   bool start_clears_done = false;  ///< A start clears the done bits even where it stores 1.
 };
 
+/// The bits of a command byte's fields.
+[[nodiscard]] constexpr EngineBits BitsOf(const monitor::EngineFields& fields) {
+  return {.read_done = fields.read_done.Mask(),
+          .write_done = fields.write_done.Mask(),
+          .start = fields.start.Mask(),
+          .write = fields.write ? fields.write->Mask() : std::uint8_t{0},
+          .result = fields.result ? fields.result->Mask() : std::uint8_t{0}};
+}
+
 /// Most engines' bits.
-inline constexpr EngineBits kTableEngineBits{
-    .read_done = 0x01, .write_done = 0x02, .start = 0x04, .write = 0x08};
+inline constexpr EngineBits kTableEngineBits = BitsOf({});
 
 /// A store with the start bit begins an operation and clears the done bits that it writes as 0;
 /// a store without it leaves done and result bits alone. The operation takes effect, and its done

@@ -2,6 +2,7 @@
 
 #include "classifier/classifier_registers.h"
 #include "classifier/rule_words.h"
+#include "core/engine.h"
 #include "core/filter_registers.h"
 
 namespace monitor {
@@ -10,13 +11,18 @@ std::array<ClsRule, kClsRules> ClsShadow;
 
 namespace {
 
+// Bits of the command byte without a meaning of their own.
+constexpr Field kUpperBits{7, 6};
+constexpr Field kBit4{4, 4};
+
 // A rule write clears the counter select and bit 4; a counter write sets the select, keeps bit 4
 // and clears both done bits.
-// clang-format off
-constexpr EngineStep kReadRule    {kClsCommand, 0x04, 0xF6, kEngineReadReady};
-constexpr EngineStep kWriteRule   {kClsCommand, 0x0C, 0xCD, kEngineWriteReady};
-constexpr EngineStep kWriteCounter{kClsCommand, 0x2C, 0x3C, kEngineWriteReady};
-// clang-format on
+constexpr EngineStep kReadRule = ReadStep(kClsCommand);
+constexpr EngineStep kWriteRule =
+    WriteStep(kClsCommand, {.clear = kClsCounterSelect.Mask() | kBit4.Mask()});
+constexpr EngineStep kWriteCounter = WriteStep(
+    kClsCommand,
+    {.set = kClsCounterSelect.Mask(), .clear = kUpperBits.Mask() | kEngineReadReady.Mask()});
 
 /// Both done bits: what a counter write of one rule leaves in the command byte.
 constexpr std::uint8_t kIdle = kEngineReadReady.Mask() | kEngineWriteReady.Mask();

@@ -2,17 +2,10 @@
 // with ready bits, a start bit that is pulsed, and a done bit that is awaited.
 #pragma once
 
+#include "core/engine_fields.h"
 #include "core/long_wait.h"
 
 namespace monitor {
-
-// The bits of a command byte that the handshake itself knows; every engine has these two.
-inline constexpr Field kEngineReadReady{0, 0, "read_ready", "idle, and the last read is done"};
-inline constexpr Field kEngineWriteReady{1, 1, "write_ready", "idle, and the last write is done"};
-
-// The other bits of most engines' command bytes.
-inline constexpr Field kEngineStart{2, 2, "start", "pulsed to start a step"};
-inline constexpr Field kEngineWrite{3, 3, "write", "direction"};
 
 /// How the start pulse ends: by clearing the start bit (one load, one store), or by a store of
 /// a fixed value.
@@ -30,6 +23,35 @@ struct EngineStep {
   Field start = kEngineStart;
   PulseEnd end = {};
 };
+
+/// Bits of the command byte that a step sets or clears beside those of the handshake.
+struct OtherBits {
+  std::uint8_t set = 0;
+  std::uint8_t clear = 0;
+};
+
+/// A step that reads: starts with the direction clear and awaits `read_done`. Bits that are not
+/// named keep their values.
+[[nodiscard]] consteval EngineStep ReadStep(Reg8 command, OtherBits others = {},
+                                            const EngineFields& fields = {}) {
+  const unsigned set = fields.start.Mask() | others.set;
+  const unsigned clear = fields.read_done.Mask() | fields.write->Mask() | others.clear;
+  return {command, static_cast<std::uint8_t>(set), static_cast<std::uint8_t>(~clear),
+          fields.read_done, fields.start};
+}
+
+/// A step that writes: starts with the direction set and awaits `write_done`.
+[[nodiscard]] consteval EngineStep WriteStep(Reg8 command, OtherBits others = {},
+                                             const EngineFields& fields = {}, PulseEnd end = {}) {
+  const unsigned set = fields.start.Mask() | fields.write->Mask() | others.set;
+  const unsigned clear = fields.write_done.Mask() | others.clear;
+  return {command,
+          static_cast<std::uint8_t>(set),
+          static_cast<std::uint8_t>(~clear),
+          fields.write_done,
+          fields.start,
+          end};
+}
 
 /// True when both ready bits are set: one load.
 [[nodiscard]] bool EngineReady(Reg8 command);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/engine_fields.h"
 #include "core/value_names.h"
 
 namespace monitor {
@@ -24,6 +25,14 @@ inline constexpr Field kBufferUses{5, 2, "uses", "outstanding uses of the handle
 inline constexpr Field kStatusDone{1, 1, "done", "the count is valid"};
 inline constexpr Field kStatusStart{0, 0, "start", "pulsed: count"};
 inline constexpr Reg8 kStatusHandle{0x431, "FRAME_STATUS_HANDLE", "buffer to query"};
+
+// The three handshakes know no direction.
+inline constexpr EngineFields kReleaseEngine{
+    .start = kReleaseStart, .read_done = kReleaseDone, .write_done = kReleaseDone, .write = {}};
+inline constexpr EngineFields kTransmitEngine{
+    .start = kTransmitStart, .read_done = kTransmitDone, .write_done = kTransmitDone, .write = {}};
+inline constexpr EngineFields kStatusEngine{
+    .start = kStatusStart, .read_done = kStatusDone, .write_done = kStatusDone, .write = {}};
 
 inline constexpr RegisterRow kFrameRegisters[] = {
     kBufferBase,

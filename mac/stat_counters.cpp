@@ -1,12 +1,13 @@
 #include "mac/stat_counters.h"
 
+#include "core/engine.h"
 #include "mac/stat_counters_registers.h"
 
 namespace monitor {
 namespace {
 
-constexpr EngineStep kReadStep{kStatCommand, 0x04, 0xF6, kEngineReadReady};
-constexpr EngineStep kWriteStep{kStatCommand, 0x0C, 0xFD, kEngineWriteReady};
+constexpr EngineStep kReadStep = ReadStep(kStatCommand);
+constexpr EngineStep kWriteStep = WriteStep(kStatCommand);
 
 constexpr std::array<const char*, kStatCounters> NamesOf(
     const std::array<StatCounterRow, kStatCounters>& rows) {

@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "core/engine.h"
+#include "core/engine_fields.h"
 #include "core/value_names.h"
 
 namespace monitor {

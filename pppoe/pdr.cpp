@@ -1,14 +1,15 @@
 #include "pppoe/pdr.h"
 
+#include "core/engine.h"
 #include "pppoe/pdr_registers.h"
 
 namespace monitor {
 namespace {
 
 // A write ends its pulse with a fixed value: start cleared, write and read ready as ones.
-constexpr EngineStep kReadEntry{kPdrCommand, 0x04, 0xF6, kEngineReadReady};
-constexpr EngineStep kWriteEntry{kPdrCommand,       0x0C,         0xFD,
-                                 kEngineWriteReady, kEngineStart, {true, 0x09}};
+constexpr PulseEnd kWriteEnd{true, kEngineWrite.Mask() | kEngineReadReady.Mask()};
+constexpr EngineStep kReadEntry = ReadStep(kPdrCommand);
+constexpr EngineStep kWriteEntry = WriteStep(kPdrCommand, {}, {}, kWriteEnd);
 
 void SelectEntry(unsigned index) { Write(kPdrIndex, static_cast<std::uint8_t>(index)); }
 

@@ -1,14 +1,15 @@
 #include "pppoe/pppoe_session.h"
 
+#include "core/engine.h"
 #include "pppoe/pppoe_session_registers.h"
 
 namespace monitor {
 namespace {
 
 // A write ends its pulse with a fixed value: start cleared, write and read ready as ones.
-constexpr EngineStep kReadEntry{kPstCommand, 0x04, 0xF6, kEngineReadReady};
-constexpr EngineStep kWriteEntry{kPstCommand,       0x0C,         0xFD,
-                                 kEngineWriteReady, kEngineStart, {true, 0x09}};
+constexpr PulseEnd kWriteEnd{true, kEngineWrite.Mask() | kEngineReadReady.Mask()};
+constexpr EngineStep kReadEntry = ReadStep(kPstCommand);
+constexpr EngineStep kWriteEntry = WriteStep(kPstCommand, {}, {}, kWriteEnd);
 
 unsigned Bit(Field field, std::uint8_t on) { return on != 0 ? field.Mask() : 0U; }
 

@@ -1,14 +1,15 @@
 #include "pppoe/pxt.h"
 
+#include "core/engine.h"
 #include "pppoe/pxt_registers.h"
 
 namespace monitor {
 namespace {
 
 // A write ends its pulse with a fixed value: start cleared, write and read ready as ones.
-constexpr EngineStep kReadEntry{kPxtCommand, 0x04, 0xF6, kEngineReadReady};
-constexpr EngineStep kWriteEntry{kPxtCommand,       0x0C,         0xFD,
-                                 kEngineWriteReady, kEngineStart, {true, 0x09}};
+constexpr PulseEnd kWriteEnd{true, kEngineWrite.Mask() | kEngineReadReady.Mask()};
+constexpr EngineStep kReadEntry = ReadStep(kPxtCommand);
+constexpr EngineStep kWriteEntry = WriteStep(kPxtCommand, {}, {}, kWriteEnd);
 
 /// A switch of an entry and its bit.
 struct Switch {

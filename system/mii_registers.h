@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/engine_fields.h"
 #include "core/value_names.h"
 
 namespace monitor {
@@ -13,6 +14,10 @@ inline constexpr Field kMiiStart{7, 7, "start", "pulsed to start an access"};
 inline constexpr Field kMiiReadAccess{6, 6, "read", "the access reads"};
 inline constexpr Field kMiiWriteAccess{5, 5, "write", "the access writes"};
 inline constexpr Field kMiiRegister{4, 0, "register", "PHY register number"};
+inline constexpr EngineFields kMiiEngine{.start = kMiiStart,
+                                         .read_done = kMiiReadValid,
+                                         .write_done = kMiiReady,
+                                         .write = kMiiWriteAccess};
 inline constexpr Reg16 kMiiWriteData{0x40A, "MII_WRITE_DATA", "value to write"};
 inline constexpr Reg16 kMiiReadData{0x40C, "MII_READ_DATA", "value read"};
 

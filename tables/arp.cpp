@@ -1,13 +1,14 @@
 #include "tables/arp.h"
 
+#include "core/engine.h"
 #include "core/filter_registers.h"
 #include "tables/arp_registers.h"
 
 namespace monitor {
 namespace {
 
-constexpr EngineStep kReadStep{kArpCommand, 0x04, 0xF6, kEngineReadReady};
-constexpr EngineStep kWriteStep{kArpCommand, 0x0C, 0xFD, kEngineWriteReady};
+constexpr EngineStep kReadStep = ReadStep(kArpCommand);
+constexpr EngineStep kWriteStep = WriteStep(kArpCommand);
 
 constexpr bool InTable(unsigned index) { return static_cast<std::uint16_t>(index) < kArpSlots; }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/engine.h"
+#include "core/engine_fields.h"
 #include "core/value_names.h"
 
 namespace monitor {

@@ -1,5 +1,6 @@
 #include "tables/l3_route.h"
 
+#include "core/engine.h"
 #include "core/filter_registers.h"
 #include "core/port_id.h"
 #include "tables/l3_route_registers.h"
@@ -9,15 +10,15 @@ namespace {
 
 constexpr unsigned kLongestMask = 32;
 
+constexpr std::uint8_t kCounterSelect = kRouteCounterSelect.Mask();
+
 // The overflow steps leave the counter select as they find it.
-// clang-format off
-constexpr EngineStep kReadRoute    {kRouteCommand, 0x04, 0xE6, kEngineReadReady};
-constexpr EngineStep kWriteRoute   {kRouteCommand, 0x0C, 0xED, kEngineWriteReady};
-constexpr EngineStep kReadCounter  {kRouteCommand, 0x14, 0xF6, kEngineReadReady};
-constexpr EngineStep kWriteCounter {kRouteCommand, 0x1C, 0xFD, kEngineWriteReady};
-constexpr EngineStep kReadOverflow {kRouteCommand, 0x04, 0xF6, kEngineReadReady};
-constexpr EngineStep kClearOverflow{kRouteCommand, 0x0C, 0xFD, kEngineWriteReady};
-// clang-format on
+constexpr EngineStep kReadRoute = ReadStep(kRouteCommand, {.clear = kCounterSelect});
+constexpr EngineStep kWriteRoute = WriteStep(kRouteCommand, {.clear = kCounterSelect});
+constexpr EngineStep kReadCounter = ReadStep(kRouteCommand, {.set = kCounterSelect});
+constexpr EngineStep kWriteCounter = WriteStep(kRouteCommand, {.set = kCounterSelect});
+constexpr EngineStep kReadOverflow = ReadStep(kRouteCommand);
+constexpr EngineStep kClearOverflow = WriteStep(kRouteCommand);
 
 void SelectSlot(unsigned index) { Write(kRouteIndex, static_cast<std::uint8_t>(index)); }
 

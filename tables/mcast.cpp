@@ -1,21 +1,22 @@
 #include "tables/mcast.h"
 
+#include "core/engine.h"
 #include "core/filter_registers.h"
 #include "tables/mcast_registers.h"
 
 namespace monitor {
 namespace {
 
+constexpr std::uint8_t kCounterSelect = kMcastCounterSelect.Mask();
+
 // Only the write of an entry clears the counter select and only the write of a counter sets it;
 // every other step, a counter read too, leaves it as it is.
-// clang-format off
-constexpr EngineStep kReadEntry    {kMcastCommand, 0x04, 0xF6, kEngineReadReady};
-constexpr EngineStep kWriteEntry   {kMcastCommand, 0x0C, 0xED, kEngineWriteReady};
-constexpr EngineStep kReadCounter  {kMcastCommand, 0x04, 0xF6, kEngineReadReady};
-constexpr EngineStep kWriteCounter {kMcastCommand, 0x1C, 0xFD, kEngineWriteReady};
-constexpr EngineStep kReadOverflow {kMcastCommand, 0x04, 0xF6, kEngineReadReady};
-constexpr EngineStep kClearOverflow{kMcastCommand, 0x0C, 0xFD, kEngineWriteReady};
-// clang-format on
+constexpr EngineStep kReadEntry = ReadStep(kMcastCommand);
+constexpr EngineStep kWriteEntry = WriteStep(kMcastCommand, {.clear = kCounterSelect});
+constexpr EngineStep kReadCounter = ReadStep(kMcastCommand);
+constexpr EngineStep kWriteCounter = WriteStep(kMcastCommand, {.set = kCounterSelect});
+constexpr EngineStep kReadOverflow = ReadStep(kMcastCommand);
+constexpr EngineStep kClearOverflow = WriteStep(kMcastCommand);
 
 void SelectSlot(unsigned index) { Write(kMcastIndex, static_cast<std::uint8_t>(index)); }
 

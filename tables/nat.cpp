@@ -1,17 +1,19 @@
 #include "tables/nat.h"
 
+#include "core/engine.h"
 #include "tables/nat_registers.h"
 
 namespace monitor {
 namespace {
 
+constexpr std::uint8_t kStoreValid = kNatStoreValid.Mask();
+constexpr std::uint8_t kBit7 = Field{7, 7}.Mask();
+
 // Bit 5 is kept by every step, bit 7 by every step but the first of a delete by index.
-// clang-format off
-constexpr EngineStep kReadEntry    {kNatCommand, 0x08, 0xEE, kEngineReadReady,  kNatStart};
-constexpr EngineStep kReadForDelete{kNatCommand, 0x08, 0x6E, kEngineReadReady,  kNatStart};
-constexpr EngineStep kWriteEntry   {kNatCommand, 0x58, 0xFD, kEngineWriteReady, kNatStart};
-constexpr EngineStep kDeleteEntry  {kNatCommand, 0x18, 0xBD, kEngineWriteReady, kNatStart};
-// clang-format on
+constexpr EngineStep kReadEntry = ReadStep(kNatCommand, {}, kNatEngine);
+constexpr EngineStep kReadForDelete = ReadStep(kNatCommand, {.clear = kBit7}, kNatEngine);
+constexpr EngineStep kWriteEntry = WriteStep(kNatCommand, {.set = kStoreValid}, kNatEngine);
+constexpr EngineStep kDeleteEntry = WriteStep(kNatCommand, {.clear = kStoreValid}, kNatEngine);
 
 constexpr unsigned kHomeSlots = 0x80;
 constexpr unsigned kOverflowArea = 0x80;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/engine.h"
+#include "core/engine_fields.h"
 #include "core/register_map.h"
 
 namespace monitor {
@@ -21,6 +21,8 @@ inline constexpr Field kNatStoreValid{6, 6, "valid", "what a write makes of the 
 inline constexpr Field kNatWrite{4, 4, "write", "direction"};
 inline constexpr Field kNatStart{3, 3, "start", "pulsed to start a step"};
 inline constexpr Field kNatResult{2, 2, "result", "the last step has succeeded"};
+inline constexpr EngineFields kNatEngine{
+    .start = kNatStart, .write = kNatWrite, .result = kNatResult};
 inline constexpr RegBytes<32> kNatValid{0x523, "NAT_VALID",
                                         "valid bits of the main table, slot 0 first"};
 inline constexpr RegBytes<2> kNatServerValid{0x543, "NAT_SERVER_VALID",

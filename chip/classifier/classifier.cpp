@@ -9,8 +9,11 @@ using namespace monitor;  // NOLINT: the register names
 namespace {
 
 /// A counter write clears both done bits, so the end of a write raises both.
-constexpr EngineBits kClassifierBits{
-    .read_done = 0x01, .write_done = 0x03, .start = 0x04, .write = 0x08};
+constexpr EngineBits ClassifierBits() {
+  EngineBits bits = kTableEngineBits;
+  bits.write_done |= bits.read_done;
+  return bits;
+}
 
 /// Calls `visit` with each register of a rule and the member of an entry that holds it.
 template <typename Visit>
@@ -41,7 +44,7 @@ void ForEachRuleRegister(Visit visit) {
 }  // namespace
 
 Classifier::Classifier(RegisterFile& registers)
-    : engine(registers, "cls", kClsCommand, kClassifierBits,
+    : engine(registers, "cls", kClsCommand, ClassifierBits(),
              [this](std::uint8_t command) { return Run(command); }),
       registers_(registers) {
   engine.on_end = [this] { stored_ = {}; };

@@ -19,19 +19,11 @@ namespace {
 
 constexpr unsigned kMostUses = 15;
 
-constexpr EngineBits kTransmitBits{.read_done = kTransmitDone.Mask(),
-                                   .write_done = kTransmitDone.Mask(),
-                                   .start = kTransmitStart.Mask(),
-                                   .write = 0,
-                                   .start_clears_done = true};
-constexpr EngineBits kStatusBits{.read_done = kStatusDone.Mask(),
-                                 .write_done = kStatusDone.Mask(),
-                                 .start = kStatusStart.Mask(),
-                                 .write = 0};
-constexpr EngineBits kReleaseBits{.read_done = kReleaseDone.Mask(),
-                                  .write_done = kReleaseDone.Mask(),
-                                  .start = kReleaseStart.Mask(),
-                                  .write = 0};
+constexpr EngineBits TransmitBits() {
+  EngineBits bits = BitsOf(kTransmitEngine);
+  bits.start_clears_done = true;
+  return bits;
+}
 
 /// The destination, as far as the frame goes.
 net::MacAddress Destination(std::span<const std::uint8_t> frame) {
@@ -45,17 +37,17 @@ net::MacAddress Destination(std::span<const std::uint8_t> frame) {
 FrameEngine::FrameEngine(RegisterFile& registers, InterruptController& interrupts,
                          StatCounters& counters)
     : memory(registers),
-      transmit(registers, "tx", kTransmitCommand, kTransmitBits,
+      transmit(registers, "tx", kTransmitCommand, TransmitBits(),
                [this](std::uint8_t) {
                  Transmit();
                  return true;
                }),
-      status(registers, "status", kBufferStatus, kStatusBits,
+      status(registers, "status", kBufferStatus, BitsOf(kStatusEngine),
              [this](std::uint8_t) {
                CountUses();
                return true;
              }),
-      release(registers, "release", kBufferControl, kReleaseBits,
+      release(registers, "release", kBufferControl, BitsOf(kReleaseEngine),
               [this](std::uint8_t) {
                 Release();
                 return true;

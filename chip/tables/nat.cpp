@@ -9,12 +9,6 @@ using namespace monitor;  // NOLINT: the register names
 
 namespace {
 
-constexpr EngineBits kNatEngineBits{.read_done = kEngineReadReady.Mask(),
-                                    .write_done = kEngineWriteReady.Mask(),
-                                    .start = kNatStart.Mask(),
-                                    .write = kNatWrite.Mask(),
-                                    .result = kNatResult.Mask()};
-
 /// The byte of valid bits of eight slots, the first at bit 0.
 std::uint8_t ValidByte(std::span<const NatTables::Entry, 8> entries) {
   unsigned bits = 0;
@@ -25,7 +19,7 @@ std::uint8_t ValidByte(std::span<const NatTables::Entry, 8> entries) {
 }  // namespace
 
 NatTables::NatTables(RegisterFile& registers)
-    : engine(registers, "nat", kNatCommand, kNatEngineBits,
+    : engine(registers, "nat", kNatCommand, BitsOf(kNatEngine),
              [this](std::uint8_t command) { return Run(command); }),
       registers_(registers) {
   ClaimEntry();

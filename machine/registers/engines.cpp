@@ -21,8 +21,6 @@ namespace {
 
 using namespace monitor;  // NOLINT: the register names
 
-constexpr Field kNone{};
-
 /// Names of a block's registers but for those at the offsets.
 std::vector<std::string> AllBut(std::initializer_list<std::uint16_t> offsets,
                                 std::span<const RegisterRow> rows) {
@@ -40,15 +38,13 @@ EngineRow Usual(const char* name, Reg8 command, Reg8 index, std::vector<Field> i
                 std::span<const RegisterRow> rows) {
   std::vector<std::string> data = AllBut({command.offset}, rows);
   if (index_fields.empty()) data = AllBut({command.offset, index.offset}, rows);
-  return {name,         command.offset, kEngineStart, kEngineReadReady,        kEngineWriteReady,
-          kEngineWrite, kNone,          index.offset, std::move(index_fields), std::move(data)};
+  return {name, command.offset, {}, index.offset, std::move(index_fields), std::move(data)};
 }
 
-/// One of the handshakes of the frame buffers, which know no direction.
-EngineRow OfFrames(const char* name, Reg8 command, Field start, Field done, Reg8 handle,
+/// One of the handshakes of the frame buffers.
+EngineRow OfFrames(const char* name, Reg8 command, const EngineFields& fields, Reg8 handle,
                    std::vector<std::string> data) {
-  return {name,  command.offset, start,         done, done,
-          kNone, kNone,          handle.offset, {},   std::move(data)};
+  return {name, command.offset, fields, handle.offset, {}, std::move(data)};
 }
 
 }  // namespace
@@ -62,31 +58,22 @@ std::vector<EngineRow> Engines() {
   EngineRow nat{
       "nat",
       kNatCommand.offset,
-      kNatStart,
-      kEngineReadReady,
-      kEngineWriteReady,
-      kNatWrite,
-      kNatResult,
+      kNatEngine,
       kNatIndex.offset,
       {},
       AllBut({kNatCommand.offset, kNatIndex.offset, kNatValid.offset, kNatServerValid.offset},
              kNatRegisters)};
   EngineRow mii{"mii",
                 kMiiCommand.offset,
-                kMiiStart,
-                kMiiReadValid,
-                kMiiReady,
-                kMiiWriteAccess,
-                kNone,
+                kMiiEngine,
                 kMiiCommand.offset,
                 {kMiiPhy, kMiiRegister},
                 {kMiiWriteData.name, kMiiReadData.name}};
   return {
       std::move(mii),
-      OfFrames("tx", kTransmitCommand, kTransmitStart, kTransmitDone, kTransmitHandle,
-               {kTransmitControl.name}),
-      OfFrames("status", kBufferStatus, kStatusStart, kStatusDone, kStatusHandle, {}),
-      OfFrames("release", kBufferControl, kReleaseStart, kReleaseDone, kReleaseHandle, {}),
+      OfFrames("tx", kTransmitCommand, kTransmitEngine, kTransmitHandle, {kTransmitControl.name}),
+      OfFrames("status", kBufferStatus, kStatusEngine, kStatusHandle, {}),
+      OfFrames("release", kBufferControl, kReleaseEngine, kReleaseHandle, {}),
       std::move(nat),
       Usual("l3", kRouteCommand, kRouteIndex, {}, kRouteRegisters),
       Usual("mcast", kMcastCommand, kMcastIndex, {}, kMcastRegisters),

@@ -138,11 +138,11 @@ std::string NameAt(std::uint16_t offset) {
 Json OfEngine(const EngineRow& engine) {
   Json json{{"name", engine.name},
             {"command", NameAt(engine.command)},
-            {"start", engine.start.name},
-            {"read_done", engine.read_done.name},
-            {"write_done", engine.write_done.name}};
-  if (*engine.write.name != '\0') json["write"] = engine.write.name;
-  if (*engine.result.name != '\0') json["result"] = engine.result.name;
+            {"start", engine.fields.start.name},
+            {"read_done", engine.fields.read_done.name},
+            {"write_done", engine.fields.write_done.name}};
+  if (engine.fields.write) json["write"] = engine.fields.write->name;
+  if (engine.fields.result) json["result"] = engine.fields.result->name;
   Json fields = Json::array();
   for (const Field& field : engine.index_fields) fields.push_back(field.name);
   json["index"] = {{"register", NameAt(engine.index)}, {"fields", fields}};

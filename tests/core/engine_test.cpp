@@ -12,6 +12,47 @@ constexpr Reg8 kCommand{0x123};
 constexpr EngineStep kRead{kCommand, 0x04, 0xF6, kEngineReadReady};
 constexpr EngineStep kWrite{kCommand, 0x0C, 0xFD, kEngineWriteReady};
 
+TEST(EngineSteps, SetAndClearTheBitsOfMostEngines) {
+  constexpr EngineStep kReading = ReadStep(kCommand);
+  EXPECT_EQ(kReading.command.offset, 0x123);
+  EXPECT_EQ(kReading.set, 0x04);
+  EXPECT_EQ(kReading.keep, 0xF6);
+  EXPECT_EQ(kReading.done.Mask(), 0x01);
+  EXPECT_EQ(kReading.start.Mask(), 0x04);
+  EXPECT_FALSE(kReading.end.store);
+
+  constexpr EngineStep kWriting = WriteStep(kCommand);
+  EXPECT_EQ(kWriting.set, 0x0C);
+  EXPECT_EQ(kWriting.keep, 0xFD);
+  EXPECT_EQ(kWriting.done.Mask(), 0x02);
+  EXPECT_EQ(kWriting.start.Mask(), 0x04);
+}
+
+TEST(EngineSteps, SetAndClearOtherBitsAsWell) {
+  constexpr EngineStep kReading = ReadStep(kCommand, {.set = 0x20, .clear = 0x10});
+  EXPECT_EQ(kReading.set, 0x24);
+  EXPECT_EQ(kReading.keep, 0xE6);
+  constexpr EngineStep kWriting = WriteStep(kCommand, {.set = 0x10, .clear = 0x40}, {}, {true, 9});
+  EXPECT_EQ(kWriting.set, 0x1C);
+  EXPECT_EQ(kWriting.keep, 0xBD);
+  EXPECT_TRUE(kWriting.end.store);
+  EXPECT_EQ(kWriting.end.value, 9);
+}
+
+TEST(EngineSteps, FollowTheFieldsOfAnEngine) {
+  constexpr EngineFields kFields{
+      .start = {7, 7}, .read_done = {1, 1}, .write_done = {2, 2}, .write = Field{5, 5}};
+  constexpr EngineStep kReading = ReadStep(kCommand, {}, kFields);
+  EXPECT_EQ(kReading.set, 0x80);
+  EXPECT_EQ(kReading.keep, 0xDD);
+  EXPECT_EQ(kReading.done.Mask(), 0x02);
+  EXPECT_EQ(kReading.start.Mask(), 0x80);
+  constexpr EngineStep kWriting = WriteStep(kCommand, {}, kFields);
+  EXPECT_EQ(kWriting.set, 0xA0);
+  EXPECT_EQ(kWriting.keep, 0xFB);
+  EXPECT_EQ(kWriting.done.Mask(), 0x04);
+}
+
 class EngineHandshake : public testing::Test {
  protected:
   void SetUp() override { ClearConsole(); }
