@@ -4,6 +4,7 @@
 #include "classifier/rule_words.h"
 #include "core/engine.h"
 #include "core/filter_registers.h"
+#include "core/filter_switch.h"
 
 namespace monitor {
 
@@ -220,15 +221,12 @@ DriverStatus ClsClearOverflow(const ClsOverflowMap& map) {
 }
 
 DriverStatus ClsReadFilter(std::uint8_t& on) {
-  on = kFilterClassifier.Get(Read(kFilterControl));
+  on = ReadFilter(kFilterClassifier);
   return DriverStatus::kOk;
 }
 
 DriverStatus ClsWriteFilter(std::uint8_t on) {
-  IrqState saved;
-  IrqLock(&saved);
-  AssignBits(kFilterControl, kFilterClassifier, on != 0);
-  IrqUnlock(saved);
+  WriteFilter(kFilterClassifier, on != 0);
   return DriverStatus::kOk;
 }
 

@@ -2,6 +2,7 @@
 
 #include "core/engine.h"
 #include "core/filter_registers.h"
+#include "core/filter_switch.h"
 #include "tables/arp_registers.h"
 
 namespace monitor {
@@ -66,15 +67,12 @@ DriverStatus ArpClearReference(const EntryMap& map) {
 }
 
 DriverStatus ArpReadFilter(std::uint8_t& on) {
-  on = kFilterArp.Get(Read(kFilterControl));
+  on = ReadFilter(kFilterArp);
   return DriverStatus::kOk;
 }
 
 DriverStatus ArpWriteFilter(std::uint8_t on) {
-  IrqState saved;
-  IrqLock(&saved);
-  AssignBits(kFilterControl, kFilterArp, on != 0);
-  IrqUnlock(saved);
+  WriteFilter(kFilterArp, on != 0);
   return DriverStatus::kOk;
 }
 

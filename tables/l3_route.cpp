@@ -2,6 +2,7 @@
 
 #include "core/engine.h"
 #include "core/filter_registers.h"
+#include "core/filter_switch.h"
 #include "core/port_id.h"
 #include "tables/l3_route_registers.h"
 
@@ -114,15 +115,12 @@ DriverStatus L3ClearOverflow(const EntryMap& map) {
 }
 
 DriverStatus L3ReadFilter(std::uint8_t& on) {
-  on = kFilterL3.Get(Read(kFilterControl));
+  on = ReadFilter(kFilterL3);
   return DriverStatus::kOk;
 }
 
 DriverStatus L3WriteFilter(std::uint8_t on) {
-  IrqState saved;
-  IrqLock(&saved);
-  AssignBits(kFilterControl, kFilterL3, on != 0);
-  IrqUnlock(saved);
+  WriteFilter(kFilterL3, on != 0);
   return DriverStatus::kOk;
 }
 

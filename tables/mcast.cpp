@@ -2,6 +2,7 @@
 
 #include "core/engine.h"
 #include "core/filter_registers.h"
+#include "core/filter_switch.h"
 #include "tables/mcast_registers.h"
 
 namespace monitor {
@@ -91,15 +92,12 @@ DriverStatus McastClearOverflow(const EntryMap& map) {
 }
 
 DriverStatus McastReadFlood(McastSettings& settings) {
-  settings.flood = kFloodMulticast.Get(Read(kFilterControl));
+  settings.flood = ReadFilter(kFloodMulticast);
   return DriverStatus::kOk;
 }
 
 DriverStatus McastWriteFlood(const McastSettings& settings) {
-  IrqState saved;
-  IrqLock(&saved);
-  AssignBits(kFilterControl, kFloodMulticast, settings.flood != 0);
-  IrqUnlock(saved);
+  WriteFilter(kFloodMulticast, settings.flood != 0);
   return DriverStatus::kOk;
 }
 
