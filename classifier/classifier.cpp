@@ -5,6 +5,7 @@
 #include "core/engine.h"
 #include "core/filter_registers.h"
 #include "core/filter_switch.h"
+#include "core/irq_guard.h"
 
 namespace monitor {
 
@@ -113,8 +114,7 @@ DriverStatus ClsRead(unsigned index, ClsRule& rule) {
 DriverStatus ClsWrite(unsigned index, ClsRule& rule) {
   if (!IsRule(index)) return DriverStatus::kRefused;
   const RuleWords words = EncodeRule(rule);
-  IrqState saved;
-  IrqLock(&saved);
+  IrqGuard lock;
   SelectRule(index);
   WriteMatchRegisters(rule);
   Write(kClsCounter, rule.counter);
@@ -129,7 +129,7 @@ DriverStatus ClsWrite(unsigned index, ClsRule& rule) {
   Write(kClsExtendedValid, static_cast<std::uint8_t>(words.extendedValid));
   Write(kClsFlags3, static_cast<std::uint8_t>(words.flags3));
   Write(kClsDesiredVlan, static_cast<std::uint16_t>(words.desiredVlan));
-  const DriverStatus status = RunEngineUnlocking(kWriteRule, saved);
+  const DriverStatus status = RunEngineUnlocking(kWriteRule, lock);
   if (Failed(status)) return status;
 
   rule.valid = 1;
@@ -143,11 +143,10 @@ DriverStatus ClsDelete(unsigned index) {
   if (Failed(status)) return status;
 
   const std::uint32_t control = Read(kClsControl);
-  IrqState saved;
-  IrqLock(&saved);
+  IrqGuard lock;
   SelectRule(index);
   Write(kClsControl, control & ~kClsRuleValid.Mask<std::uint32_t>());
-  status = RunEngineUnlocking(kWriteRule, saved);
+  status = RunEngineUnlocking(kWriteRule, lock);
   if (Failed(status)) return status;
 
   ClsShadow[kClsRuleNumber.Put(index)].valid = 0;
@@ -175,11 +174,10 @@ DriverStatus ClsNext(unsigned index, std::uint16_t next) {
   // Unlike a rule write, a relink leaves 0 in the link that ends the chain.
   control |=
       next == kClsNoNext ? kClsEndOfChain.Mask<std::uint32_t>() : kClsNext.Put<std::uint32_t>(next);
-  IrqState saved;
-  IrqLock(&saved);
+  IrqGuard lock;
   SelectRule(index & kRelinkMask);
   Write(kClsControl, control);
-  return RunEngineUnlocking(kWriteRule, saved);
+  return RunEngineUnlocking(kWriteRule, lock);
 }
 
 DriverStatus ClsReadCounter(unsigned index, std::uint32_t& value) {
@@ -192,17 +190,13 @@ DriverStatus ClsReadCounter(unsigned index, std::uint32_t& value) {
 
 DriverStatus ClsWriteCounter(unsigned index, std::uint32_t value) {
   if (!IsRule(index)) return DriverStatus::kRefused;
-  IrqState saved;
-  IrqLock(&saved);
+  IrqGuard lock;
   SelectRule(index);
   Write(kClsCounter, value);
-  if (!EngineReady(kClsCommand)) {
-    IrqUnlock(saved);
-    return DriverStatus::kNotReady;
-  }
+  if (!EngineReady(kClsCommand)) return DriverStatus::kNotReady;
   PulseEngine(kWriteCounter);
   Write(kClsCommand, kIdle);
-  IrqUnlock(saved);
+  lock.Release();
   return AwaitEngine(kWriteCounter);
 }
 
@@ -214,10 +208,9 @@ DriverStatus ClsCheckOverflow(ClsOverflowMap& map) {
 }
 
 DriverStatus ClsClearOverflow(const ClsOverflowMap& map) {
-  IrqState saved;
-  IrqLock(&saved);
+  IrqGuard lock;
   WriteBytes(kClsOverflow, map);
-  return RunEngineUnlocking(kWriteCounter, saved);
+  return RunEngineUnlocking(kWriteCounter, lock);
 }
 
 DriverStatus ClsReadFilter(std::uint8_t& on) {

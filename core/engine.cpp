@@ -1,5 +1,6 @@
 #include "core/engine.h"
 
+#include "core/irq_guard.h"
 namespace monitor {
 namespace {
 
@@ -30,13 +31,13 @@ DriverStatus RunEngine(const EngineStep& step) {
   return AwaitEngine(step);
 }
 
-DriverStatus RunEngineUnlocking(const EngineStep& step, IrqState saved) {
+DriverStatus RunEngineUnlocking(const EngineStep& step, IrqGuard& lock) {
   if (!EngineReady(step.command)) {
-    IrqUnlock(saved);
+    lock.Release();
     return DriverStatus::kNotReady;
   }
   PulseEngine(step);
-  IrqUnlock(saved);
+  lock.Release();
   return AwaitEngine(step);
 }
 

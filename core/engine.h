@@ -3,6 +3,7 @@
 #pragma once
 
 #include "core/engine_fields.h"
+#include "core/irq_guard.h"
 #include "core/long_wait.h"
 
 namespace monitor {
@@ -66,8 +67,8 @@ void PulseEngine(const EngineStep& step);
 /// Ready check, pulse, wait. kNotReady, with nothing started, when the engine is busy.
 [[nodiscard]] DriverStatus RunEngine(const EngineStep& step);
 
-/// RunEngine inside an IrqLock bracket that the caller opened: the lock is released right after
+/// RunEngine inside an IrqLock bracket that the caller opened: `lock` is released right after
 /// the pulse, before the wait, or at once when the engine is busy.
-[[nodiscard]] DriverStatus RunEngineUnlocking(const EngineStep& step, IrqState saved);
+[[nodiscard]] DriverStatus RunEngineUnlocking(const EngineStep& step, IrqGuard& lock);
 
 }  // namespace monitor

@@ -1,6 +1,7 @@
 #include "mac/forward_control.h"
 
 #include "core/filter_registers.h"
+#include "core/irq_guard.h"
 #include "mac/forward_control_registers.h"
 
 namespace monitor {
@@ -24,8 +25,7 @@ DriverStatus ReadForwardControl(ForwardControl& control) {
 }
 
 DriverStatus WriteForwardControl(const ForwardControl& control) {
-  IrqState saved;
-  IrqLock(&saved);
+  IrqGuard lock;
   // One load and one store for each switch, also where several share a register.
   AssignBits(kFilterControl, kFilterWanToWan, control.filterWanToWan != 0);
   AssignBits(kForwardFilter, kDropChecksumErrors, control.dropChecksumErrors != 0);
@@ -40,7 +40,6 @@ DriverStatus WriteForwardControl(const ForwardControl& control) {
   Write(kPppControl, static_cast<std::uint8_t>(other | kPppMode.Put(control.pppMode)));
   AssignBits(kPppControl, kReleaseAgedOut, control.ageoutbm != 0);
   Write(kMtu, kMtuBytes.Put<std::uint16_t>(control.mtuBytes));
-  IrqUnlock(saved);
   return DriverStatus::kOk;
 }
 

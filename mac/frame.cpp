@@ -1,5 +1,6 @@
 #include "mac/frame.h"
 
+#include "core/irq_guard.h"
 #include "core/long_wait.h"
 #include "core/port_id.h"
 #include "mac/frame_registers.h"
@@ -54,8 +55,7 @@ DriverStatus TransmitFrame(std::uint8_t port, std::uint8_t service_class, bool h
   const std::uint8_t handle = HandleOf(data, base);
   if (!MemoryMap(base)) return DriverStatus::kNotReady;
 
-  IrqState saved;
-  IrqLock(&saved);
+  IrqGuard lock;
   MemoryStore16(data - kBufferHeaderSize + kHeaderLength, length);
   Write(kTransmitControl,
         static_cast<std::uint8_t>(kTransmitPort.Put(port) | kTransmitClass.Put(service_class) |
@@ -64,7 +64,7 @@ DriverStatus TransmitFrame(std::uint8_t port, std::uint8_t service_class, bool h
   SetBits(kTransmitCommand, kTransmitStart);
   for (int i = 0; i < kTransmitDelayLoads; ++i) (void)Read(kTransmitCommand);
   ClearBits(kTransmitCommand, kTransmitStart);
-  IrqUnlock(saved);
+  lock.Release();
   return WaitForBit(kTransmitCommand, kTransmitDone);
 }
 
@@ -81,11 +81,9 @@ DriverStatus ReceiveFrame(ReceivedFrame& frame) {
   frame.reason = kReceivedReason.Get(MemoryLoad8(start + kHeaderReason));
   frame.data = start + kBufferHeaderSize;
 
-  IrqState saved;
-  IrqLock(&saved);
+  IrqGuard lock;
   SetBits(kBufferControl, kReceiveAcknowledge);
   ClearBits(kBufferControl, kReceiveAcknowledge);
-  IrqUnlock(saved);
   return DriverStatus::kOk;
 }
 
@@ -93,14 +91,13 @@ DriverStatus TxBufferStatus(std::uint32_t data, std::uint8_t& count) {
   const std::uint8_t handle = HandleOf(data, Read(kBufferBase));
   if (handle == 0) return DriverStatus::kRefused;
 
-  IrqState saved;
-  IrqLock(&saved);
+  IrqGuard lock;
   Write(kStatusHandle, handle);
   Modify(kBufferStatus, kStatusStart.Mask(), static_cast<std::uint8_t>(~kStatusDone.Mask()));
   Pause(kStatusPause);
   ClearBits(kBufferStatus, kStatusStart);
   const DriverStatus status = WaitForBit(kBufferStatus, kStatusDone);
-  IrqUnlock(saved);
+  lock.Release();
   if (Failed(status)) return status;
 
   count = kBufferUses.Get(Read(kBufferStatus));
@@ -134,13 +131,12 @@ DriverStatus FreeFrameBuffer(std::uint32_t data) {
     return DriverStatus::kOk;
   }
 
-  IrqState saved;
-  IrqLock(&saved);
+  IrqGuard lock;
   Write(kReleaseHandle, handle);
   Write(kBufferControl, kReleaseStart.Mask());
   Pause(kReleasePause);
   ClearBits(kBufferControl, kReleaseStart);
-  IrqUnlock(saved);
+  lock.Release();
   return WaitForBit(kBufferControl, kReleaseDone);
 }
 

@@ -1,5 +1,6 @@
 #include "mac/port_config.h"
 
+#include "core/irq_guard.h"
 #include "mac/port_config_registers.h"
 #include "system/mii.h"
 
@@ -92,11 +93,9 @@ std::uint8_t FlowControlOf(std::uint8_t control) {
 }  // namespace
 
 DriverStatus WritePortConfig(std::uint8_t port, const PortConfig& config) {
-  IrqState saved;
-  IrqLock(&saved);
+  IrqGuard lock;
   const PortRow* const row = FindPort(port);
   const DriverStatus status = row != nullptr ? WriteFields(*row, config) : DriverStatus::kRefused;
-  IrqUnlock(saved);
   return status;
 }
 

@@ -1,6 +1,7 @@
 #include "mac/stat_counters.h"
 
 #include "core/engine.h"
+#include "core/irq_guard.h"
 #include "mac/stat_counters_registers.h"
 
 namespace monitor {
@@ -103,10 +104,9 @@ DriverStatus ClearStatOverflow(std::uint8_t port, std::uint32_t mask) {
   std::uint8_t selector;
   if (!FindPort(port, selector)) return DriverStatus::kRefused;
   Select(selector, 0);
-  IrqState saved;
-  IrqLock(&saved);
+  IrqGuard lock;
   Write(kStatOverflow, mask);
-  return RunEngineUnlocking(kWriteStep, saved);
+  return RunEngineUnlocking(kWriteStep, lock);
 }
 
 }  // namespace monitor

@@ -1,5 +1,6 @@
 #include "mac/station_address.h"
 
+#include "core/irq_guard.h"
 #include "mac/station_address_registers.h"
 
 namespace monitor {
@@ -34,10 +35,8 @@ const Reg32* FindIp(std::uint8_t port) {
 DriverStatus WriteMacAddr(std::uint8_t port, const MacAddress& mac) {
   const RegBytes<6>* const regs = FindMac(port);
   if (regs == nullptr) return DriverStatus::kRefused;
-  IrqState saved;
-  IrqLock(&saved);
+  IrqGuard lock;
   WriteBytes(*regs, mac);
-  IrqUnlock(saved);
   return DriverStatus::kOk;
 }
 

@@ -1,6 +1,7 @@
 #include "pppoe/pdr.h"
 
 #include "core/engine.h"
+#include "core/irq_guard.h"
 #include "pppoe/pdr_registers.h"
 
 namespace monitor {
@@ -33,14 +34,13 @@ DriverStatus PdrRead(unsigned index, PdrEntry& entry) {
 
 DriverStatus PdrWrite(unsigned index, const PdrEntry& entry) {
   if (index >= kPdrEntries) return DriverStatus::kRefused;
-  IrqState saved;
-  IrqLock(&saved);
+  IrqGuard lock;
   Write(kPdrIp, entry.ip);
   const unsigned pppoe = entry.pppoe != 0 ? kPdrPppoe.Mask() : 0U;
   Write(kPdrFlags,
         static_cast<std::uint8_t>(kPdrSession.Put(entry.sessionNumber) | pppoe | kPdrValid.Mask()));
   SelectEntry(index);
-  return RunEngineUnlocking(kWriteEntry, saved);
+  return RunEngineUnlocking(kWriteEntry, lock);
 }
 
 DriverStatus PdrDelete(unsigned index) {
@@ -49,10 +49,9 @@ DriverStatus PdrDelete(unsigned index) {
   const DriverStatus status = RunEngine(kReadEntry);
   if (Failed(status)) return status;
 
-  IrqState saved;
-  IrqLock(&saved);
+  IrqGuard lock;
   ClearBits(kPdrFlags, kPdrValid);
-  return RunEngineUnlocking(kWriteEntry, saved);
+  return RunEngineUnlocking(kWriteEntry, lock);
 }
 
 }  // namespace monitor

@@ -1,6 +1,7 @@
 #include "pppoe/pppoe_session.h"
 
 #include "core/engine.h"
+#include "core/irq_guard.h"
 #include "pppoe/pppoe_session_registers.h"
 
 namespace monitor {
@@ -40,8 +41,7 @@ DriverStatus PstRead(unsigned index, PstEntry& entry) {
 
 DriverStatus PstWrite(unsigned index, const PstEntry& entry) {
   if (index >= kPstEntries) return DriverStatus::kRefused;
-  IrqState saved;
-  IrqLock(&saved);
+  IrqGuard lock;
   Write(kPstFlags, static_cast<std::uint8_t>(kPstIndex.Put(index) | kPstValid.Mask() |
                                              Bit(kPstTag, entry.tag) | Bit(kPstForce, entry.force) |
                                              Bit(kPstUsed, entry.used)));
@@ -49,7 +49,7 @@ DriverStatus PstWrite(unsigned index, const PstEntry& entry) {
   Write(kPstSession, IdToRegister(entry.sessionId));
   Write(kPstVlan, IdToRegister(entry.vlanId));
   WriteBytes(kPstServerMac, entry.serverMac);
-  return RunEngineUnlocking(kWriteEntry, saved);
+  return RunEngineUnlocking(kWriteEntry, lock);
 }
 
 DriverStatus PstDelete(unsigned index) {
@@ -57,10 +57,9 @@ DriverStatus PstDelete(unsigned index) {
   const DriverStatus status = ReadWindow(index);
   if (Failed(status)) return status;
 
-  IrqState saved;
-  IrqLock(&saved);
+  IrqGuard lock;
   ClearBits(kPstFlags, kPstValid);
-  return RunEngineUnlocking(kWriteEntry, saved);
+  return RunEngineUnlocking(kWriteEntry, lock);
 }
 
 DriverStatus PstClear(unsigned index) {

@@ -1,6 +1,7 @@
 #include "pppoe/pxt.h"
 
 #include "core/engine.h"
+#include "core/irq_guard.h"
 #include "pppoe/pxt_registers.h"
 
 namespace monitor {
@@ -60,8 +61,7 @@ DriverStatus PxtRead(unsigned index, PxtEntry& entry) {
 
 DriverStatus PxtWrite(unsigned index, const PxtEntry& entry) {
   if (index >= kPxtEntries) return DriverStatus::kRefused;
-  IrqState saved;
-  IrqLock(&saved);
+  IrqGuard lock;
   WriteBytes(kPxtInternalMac, entry.internalMac);
   WriteBytes(kPxtExternalMac, entry.externalMac);
   Write(kPxtInternalSession, IdToRegister(entry.internalSessionId));
@@ -71,7 +71,7 @@ DriverStatus PxtWrite(unsigned index, const PxtEntry& entry) {
   Write(kPxtSwitches, SwitchBits(entry));
   Write(kPxtFlags, static_cast<std::uint8_t>(kPxtIndex.Put(index) | kPxtPort.Put(entry.port) |
                                              kPxtValid.Mask()));
-  return RunEngineUnlocking(kWriteEntry, saved);
+  return RunEngineUnlocking(kWriteEntry, lock);
 }
 
 DriverStatus PxtDelete(unsigned index) {
@@ -79,10 +79,9 @@ DriverStatus PxtDelete(unsigned index) {
   const DriverStatus status = ReadWindow(index);
   if (Failed(status)) return status;
 
-  IrqState saved;
-  IrqLock(&saved);
+  IrqGuard lock;
   ClearBits(kPxtFlags, kPxtValid);
-  return RunEngineUnlocking(kWriteEntry, saved);
+  return RunEngineUnlocking(kWriteEntry, lock);
 }
 
 DriverStatus PxtSetUsed(unsigned index, std::uint8_t internal_used, std::uint8_t external_used) {

@@ -1,5 +1,6 @@
 #include "qos/qos.h"
 
+#include "core/irq_guard.h"
 #include "core/port_id.h"
 #include "mac/port_config_registers.h"
 #include "qos/qos_registers.h"
@@ -49,8 +50,7 @@ DriverStatus ReadSystemQos(SystemQos& qos) {
 }
 
 DriverStatus WriteSystemQos(const SystemQos& qos) {
-  IrqState saved;
-  IrqLock(&saved);
+  IrqGuard lock;
   Write(kDropControl,
         static_cast<std::uint8_t>(qos.redEnable | (qos.bufthrhd & kDropThreshold.Mask())));
   Write(kMcastHighBuffers, qos.mcasth);
@@ -59,7 +59,6 @@ DriverStatus WriteSystemQos(const SystemQos& qos) {
   Write(kXonThreshold, qos.xonthrhd);
   Write(kXoffThreshold, qos.xoffthrhd);
   Write(kNoBufferThreshold, qos.no_buf);
-  IrqUnlock(saved);
   return DriverStatus::kOk;
 }
 
@@ -72,11 +71,9 @@ DriverStatus ReadPortQos(std::uint8_t port, std::uint8_t& mode) {
 DriverStatus WritePortQos(std::uint8_t port, std::uint8_t mode) {
   if (!IsPort(port) || mode > kHighestMode) return DriverStatus::kRefused;
   const Reg8 reg = ModeRegister(port);
-  IrqState saved;
-  IrqLock(&saved);
+  IrqGuard lock;
   const unsigned other = Read(reg) & ~unsigned{kMacQosMode.Mask()};
   Write(reg, static_cast<std::uint8_t>(other | kMacQosMode.Put(mode)));
-  IrqUnlock(saved);
   return DriverStatus::kOk;
 }
 
@@ -96,14 +93,12 @@ DriverStatus WriteQueueQos(std::uint8_t port, unsigned queue, const QueueQos& qo
   if (!IsPort(port) || queue >= kQosQueues) return DriverStatus::kRefused;
   if (qos.lowdrop > kHighestDrop || qos.highdrop > kHighestDrop) return DriverStatus::kRefused;
   const QueueRegisters registers = RegistersOf(port, queue);
-  IrqState saved;
-  IrqLock(&saved);
+  IrqGuard lock;
   Write(registers.low, qos.lowthrhd);
   Write(registers.high, qos.highthrhd);
   Write(registers.drop, static_cast<std::uint8_t>(kQueueLowDrop.Put(qos.lowdrop) |
                                                   kQueueHighDrop.Put(qos.highdrop)));
   Write(registers.credit, qos.credit);
-  IrqUnlock(saved);
   return DriverStatus::kOk;
 }
 

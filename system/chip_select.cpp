@@ -1,5 +1,6 @@
 #include "system/chip_select.h"
 
+#include "core/irq_guard.h"
 #include "system/chip_select_registers.h"
 
 namespace monitor {
@@ -50,12 +51,10 @@ DriverStatus CsWrite(unsigned number, const ChipSelect& cs) {
     return DriverStatus::kOk;
   }
   const CsRegisters& registers = kCsRegisters[number];
-  IrqState saved;
-  IrqLock(&saved);
+  IrqGuard lock;
   Write(*registers.start, cs.start);
   Write(*registers.mask_size, cs.maskSize);
   if (registers.wait != nullptr) Write(*registers.wait, cs.wait);
-  IrqUnlock(saved);
   return DriverStatus::kOk;
 }
 
@@ -69,12 +68,10 @@ DriverStatus SdramTypeRead(SdramType& type) {
 
 DriverStatus SdramTypeWrite(const SdramType& type) {
   if (type.chipSelect > 1 || type.column > 1 || type.row > 2) return DriverStatus::kRefused;
-  IrqState saved;
-  IrqLock(&saved);
+  IrqGuard lock;
   Write(kSdramType,
         static_cast<std::uint8_t>(kSdramChipSelect.Put(type.chipSelect) |
                                   kSdramColumn.Put(type.column) | kSdramRow.Put(type.row)));
-  IrqUnlock(saved);
   return DriverStatus::kOk;
 }
 

@@ -1,5 +1,6 @@
 #include "system/gpio.h"
 
+#include "core/irq_guard.h"
 #include "system/gpio_registers.h"
 
 namespace monitor {
@@ -10,10 +11,8 @@ DriverStatus GpioDataRead(std::uint8_t& data) {
 }
 
 DriverStatus GpioDataWrite(std::uint8_t data) {
-  IrqState saved;
-  IrqLock(&saved);
+  IrqGuard lock;
   Write(kGpioData, data);
-  IrqUnlock(saved);
   return DriverStatus::kOk;
 }
 
@@ -23,10 +22,8 @@ DriverStatus GpioStatusRead(std::uint8_t& status) {
 }
 
 DriverStatus GpioStatusWrite(std::uint8_t status) {
-  IrqState saved;
-  IrqLock(&saved);
+  IrqGuard lock;
   Write(kGpioStatus, status);
-  IrqUnlock(saved);
   return DriverStatus::kOk;
 }
 
@@ -39,13 +36,11 @@ DriverStatus GpioConfigRead(GpioConfig& config) {
 }
 
 DriverStatus GpioConfigWrite(const GpioConfig& config) {
-  IrqState saved;
-  IrqLock(&saved);
+  IrqGuard lock;
   Write(kGpioDirection, config.direction);
   Write(kGpioEnable, config.enable);
   Write(kGpioSetting, config.setting);
   Write(kGpioTrigger, config.trigger);
-  IrqUnlock(saved);
   return DriverStatus::kOk;
 }
 

@@ -1,5 +1,6 @@
 #include "system/interrupt.h"
 
+#include "core/irq_guard.h"
 #include "system/interrupt_registers.h"
 
 namespace monitor {
@@ -22,10 +23,8 @@ DriverStatus IntMaskRead(std::uint16_t& value) {
 }
 
 DriverStatus IntStatusWrite(std::uint16_t value) {
-  IrqState saved;
-  IrqLock(&saved);
+  IrqGuard lock;
   Write(kInterruptStatus, value);
-  IrqUnlock(saved);
   return DriverStatus::kOk;
 }
 

@@ -1,5 +1,6 @@
 #include "system/mii.h"
 
+#include "core/irq_guard.h"
 #include "core/long_wait.h"
 #include "system/mii_registers.h"
 
@@ -55,11 +56,10 @@ DriverStatus MiiRead(std::uint8_t phy, std::uint8_t reg, std::uint16_t& value) {
 DriverStatus MiiWrite(std::uint8_t phy, std::uint8_t reg, std::uint16_t value) {
   if (!InRange(phy, reg)) return DriverStatus::kRefused;
   if (!StatusHas(kReady)) return DriverStatus::kNotReady;
-  IrqState saved;
-  IrqLock(&saved);
+  IrqGuard lock;
   Write(kMiiWriteData, value);
   Strobe(phy, reg, kMiiWriteAccess);
-  IrqUnlock(saved);
+  lock.Release();
   return AwaitStatus(kReady) ? DriverStatus::kOk : DriverStatus::kNotReady;
 }
 

@@ -2,6 +2,7 @@
 
 #include "classifier/classifier.h"
 #include "console/console_port.h"
+#include "core/irq_guard.h"
 #include "core/long_wait.h"
 #include "system/reset_registers.h"
 
@@ -20,13 +21,11 @@ bool AwaitResetDone() {
 }
 
 DriverStatus PulseReset(Field reset) {
-  IrqState saved;
-  IrqLock(&saved);
+  IrqGuard lock;
   SetBits(kResetControl, reset);
   Pause(kPulseRounds);
   ClearBits(kResetControl, reset);
   const bool done = AwaitResetDone();
-  IrqUnlock(saved);
   return done ? DriverStatus::kOk : DriverStatus::kRefused;
 }
 

@@ -1,5 +1,6 @@
 #include "system/tdm.h"
 
+#include "core/irq_guard.h"
 #include "system/tdm_registers.h"
 
 namespace monitor {
@@ -15,10 +16,8 @@ DriverStatus TdmConfigRead(std::uint16_t& on_timer, std::uint16_t& off_timer,
 DriverStatus TdmConfigWrite(std::uint16_t on_timer, std::uint16_t off_timer, std::uint8_t auto_on) {
   Write(kTdmOnTimer, on_timer);
   Write(kTdmOffTimer, off_timer);
-  IrqState saved;
-  IrqLock(&saved);
+  IrqGuard lock;
   AssignBits(kTdmControl, kTdmAutoOn, auto_on != 0);
-  IrqUnlock(saved);
   return DriverStatus::kOk;
 }
 

@@ -1,5 +1,6 @@
 #include "system/timer.h"
 
+#include "core/irq_guard.h"
 #include "system/gpio_registers.h"
 #include "system/timer_registers.h"
 
@@ -28,48 +29,38 @@ DriverStatus TimerConfigRead(unsigned timer, std::uint16_t& load, std::uint16_t&
 
 DriverStatus TimerConfigWrite(unsigned timer, std::uint16_t load, std::uint16_t divisor) {
   if (timer >= kTimers) return DriverStatus::kRefused;
-  IrqState saved;
-  IrqLock(&saved);
+  IrqGuard lock;
   Write(kTimerLoad[timer], load);
   Write(kTimerDivisor[timer], divisor);
-  IrqUnlock(saved);
   return DriverStatus::kOk;
 }
 
 DriverStatus TimerStart(unsigned timer) {
   if (timer >= kTimers) return DriverStatus::kRefused;
-  IrqState saved;
-  IrqLock(&saved);
+  IrqGuard lock;
   ClearStopAndPause(timer);
-  IrqUnlock(saved);
   return DriverStatus::kOk;
 }
 
 DriverStatus TimerStop(unsigned timer) {
   if (timer >= kTimers) return DriverStatus::kRefused;
-  IrqState saved;
-  IrqLock(&saved);
+  IrqGuard lock;
   SetBits(kTimerControl, kTimerStop[timer]);
-  IrqUnlock(saved);
   return DriverStatus::kOk;
 }
 
 DriverStatus TimerPause(unsigned timer) {
   if (timer >= kTimers) return DriverStatus::kRefused;
-  IrqState saved;
-  IrqLock(&saved);
+  IrqGuard lock;
   SetBits(kTimerControl, kTimerPause[timer]);
-  IrqUnlock(saved);
   return DriverStatus::kOk;
 }
 
 DriverStatus TimerTest(unsigned timer) {
   if (timer >= kTimers) return DriverStatus::kRefused;
-  IrqState saved;
-  IrqLock(&saved);
+  IrqGuard lock;
   ClearStopAndPause(timer);
   Write(kGpioData, 0xFF);
-  IrqUnlock(saved);
   return DriverStatus::kOk;
 }
 

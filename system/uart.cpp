@@ -1,5 +1,6 @@
 #include "system/uart.h"
 
+#include "core/irq_guard.h"
 #include "system/uart_registers.h"
 
 namespace monitor {
@@ -35,12 +36,10 @@ void WriteDivisor(Reg8 reg, std::uint8_t value) {
     Write(reg, value);
     return;
   }
-  IrqState saved;
-  IrqLock(&saved);
+  IrqGuard lock;
   SetBits(kUartLineControl, kUartDivisorAccess);
   Write(reg, value);
   ClearBits(kUartLineControl, kUartDivisorAccess);
-  IrqUnlock(saved);
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include "core/engine.h"
 #include "core/filter_registers.h"
 #include "core/filter_switch.h"
+#include "core/irq_guard.h"
 #include "tables/arp_registers.h"
 
 namespace monitor {
@@ -31,13 +32,12 @@ DriverStatus ArpRead(unsigned index, ArpEntry& entry) {
 
 DriverStatus ArpWrite(unsigned index, const ArpEntry& entry) {
   if (!InTable(index)) return DriverStatus::kRefused;
-  IrqState saved;
-  IrqLock(&saved);
+  IrqGuard lock;
   SelectSlot(index);
   Write(kArpFlags, kArpValid.Mask());
   Write(kArpIp, entry.ip);
   WriteBytes(kArpMac, entry.mac);
-  return RunEngineUnlocking(kWriteStep, saved);
+  return RunEngineUnlocking(kWriteStep, lock);
 }
 
 DriverStatus ArpDelete(unsigned index) {
@@ -46,10 +46,9 @@ DriverStatus ArpDelete(unsigned index) {
   const DriverStatus status = RunEngine(kReadStep);
   if (Failed(status)) return status;
 
-  IrqState saved;
-  IrqLock(&saved);
+  IrqGuard lock;
   ClearBits(kArpFlags, kArpValid);
-  return RunEngineUnlocking(kWriteStep, saved);
+  return RunEngineUnlocking(kWriteStep, lock);
 }
 
 DriverStatus ArpReadReference(EntryMap& map) {
@@ -60,10 +59,9 @@ DriverStatus ArpReadReference(EntryMap& map) {
 }
 
 DriverStatus ArpClearReference(const EntryMap& map) {
-  IrqState saved;
-  IrqLock(&saved);
+  IrqGuard lock;
   WriteBytes(kArpReference, map);
-  return RunEngineUnlocking(kWriteStep, saved);
+  return RunEngineUnlocking(kWriteStep, lock);
 }
 
 DriverStatus ArpReadFilter(std::uint8_t& on) {

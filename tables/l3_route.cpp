@@ -3,6 +3,7 @@
 #include "core/engine.h"
 #include "core/filter_registers.h"
 #include "core/filter_switch.h"
+#include "core/irq_guard.h"
 #include "core/port_id.h"
 #include "tables/l3_route_registers.h"
 
@@ -51,22 +52,18 @@ DriverStatus L3Read(unsigned index, L3Route& route) {
 
 DriverStatus L3Write(unsigned index, const L3Route& route) {
   if (index >= kRouteSlots || route.mask > kLongestMask) return DriverStatus::kRefused;
-  IrqState saved;
-  IrqLock(&saved);
+  IrqGuard lock;
   SelectSlot(index);
   Write(kRouteIp, route.ip);
   Write(kRouteNextHop, route.nextHop);
   Write(kRouteMask, route.mask);
-  if (!IsPort(route.port)) {
-    IrqUnlock(saved);
-    return DriverStatus::kRefused;
-  }
+  if (!IsPort(route.port)) return DriverStatus::kRefused;
   const unsigned direct = route.direct != 0 ? kRouteDirect.Mask() : 0U;
   const unsigned wan_mac = route.wanMac != 0 ? kRouteWanMac.Mask() : 0U;
   Write(kRouteFlags, static_cast<std::uint8_t>(route.port | direct | wan_mac | kRouteValid.Mask()));
   // Neither value is cut to its field: what does not fit runs into the neighbouring bits.
   Write(kRouteEncapsulation, static_cast<std::uint8_t>(route.pppoe | route.session << 1));
-  return RunEngineUnlocking(kWriteRoute, saved);
+  return RunEngineUnlocking(kWriteRoute, lock);
 }
 
 DriverStatus L3Delete(unsigned index) {
@@ -75,11 +72,10 @@ DriverStatus L3Delete(unsigned index) {
   const DriverStatus status = RunEngine(kReadRoute);
   if (Failed(status)) return status;
 
-  IrqState saved;
-  IrqLock(&saved);
+  IrqGuard lock;
   SelectSlot(index);
   ClearBits(kRouteFlags, kRouteValid);
-  return RunEngineUnlocking(kWriteRoute, saved);
+  return RunEngineUnlocking(kWriteRoute, lock);
 }
 
 DriverStatus L3ReadCounter(unsigned index, std::uint32_t& value) {
@@ -93,11 +89,10 @@ DriverStatus L3ReadCounter(unsigned index, std::uint32_t& value) {
 
 DriverStatus L3WriteCounter(unsigned index, std::uint32_t value) {
   if (index >= kRouteSlots) return DriverStatus::kRefused;
-  IrqState saved;
-  IrqLock(&saved);
+  IrqGuard lock;
   SelectSlot(index);
   Write(kRouteCounter, value);
-  return RunEngineUnlocking(kWriteCounter, saved);
+  return RunEngineUnlocking(kWriteCounter, lock);
 }
 
 DriverStatus L3CheckOverflow(EntryMap& map) {
@@ -108,10 +103,9 @@ DriverStatus L3CheckOverflow(EntryMap& map) {
 }
 
 DriverStatus L3ClearOverflow(const EntryMap& map) {
-  IrqState saved;
-  IrqLock(&saved);
+  IrqGuard lock;
   WriteBytes(kRouteOverflow, map);
-  return RunEngineUnlocking(kClearOverflow, saved);
+  return RunEngineUnlocking(kClearOverflow, lock);
 }
 
 DriverStatus L3ReadFilter(std::uint8_t& on) {

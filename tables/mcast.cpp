@@ -3,6 +3,7 @@
 #include "core/engine.h"
 #include "core/filter_registers.h"
 #include "core/filter_switch.h"
+#include "core/irq_guard.h"
 #include "tables/mcast_registers.h"
 
 namespace monitor {
@@ -38,12 +39,11 @@ DriverStatus McastRead(unsigned index, McastEntry& entry) {
 
 DriverStatus McastWrite(unsigned index, const McastEntry& entry) {
   if (index >= kMcastSlots || entry.ports > kMcastPorts.Mask()) return DriverStatus::kRefused;
-  IrqState saved;
-  IrqLock(&saved);
+  IrqGuard lock;
   SelectSlot(index);
   Write(kMcastIp, entry.ip);
   Write(kMcastFlags, entry.ports | kMcastValid.Mask());
-  return RunEngineUnlocking(kWriteEntry, saved);
+  return RunEngineUnlocking(kWriteEntry, lock);
 }
 
 DriverStatus McastDelete(unsigned index) {
@@ -52,11 +52,10 @@ DriverStatus McastDelete(unsigned index) {
   const DriverStatus status = RunEngine(kReadEntry);
   if (Failed(status)) return status;
 
-  IrqState saved;
-  IrqLock(&saved);
+  IrqGuard lock;
   SelectSlot(index);
   ClearBits(kMcastFlags, kMcastValid);
-  return RunEngineUnlocking(kWriteEntry, saved);
+  return RunEngineUnlocking(kWriteEntry, lock);
 }
 
 DriverStatus McastReadCounter(unsigned index, std::uint32_t& value) {
@@ -70,11 +69,10 @@ DriverStatus McastReadCounter(unsigned index, std::uint32_t& value) {
 
 DriverStatus McastWriteCounter(unsigned index, std::uint32_t value) {
   if (index >= kMcastSlots) return DriverStatus::kRefused;
-  IrqState saved;
-  IrqLock(&saved);
+  IrqGuard lock;
   SelectSlot(index);
   Write(kMcastCounter, value);
-  return RunEngineUnlocking(kWriteCounter, saved);
+  return RunEngineUnlocking(kWriteCounter, lock);
 }
 
 DriverStatus McastCheckOverflow(EntryMap& map) {
@@ -85,10 +83,9 @@ DriverStatus McastCheckOverflow(EntryMap& map) {
 }
 
 DriverStatus McastClearOverflow(const EntryMap& map) {
-  IrqState saved;
-  IrqLock(&saved);
+  IrqGuard lock;
   WriteBytes(kMcastOverflow, map);
-  return RunEngineUnlocking(kClearOverflow, saved);
+  return RunEngineUnlocking(kClearOverflow, lock);
 }
 
 DriverStatus McastReadFlood(McastSettings& settings) {

@@ -1,6 +1,7 @@
 #include "tables/nat.h"
 
 #include "core/engine.h"
+#include "core/irq_guard.h"
 #include "tables/nat_registers.h"
 
 namespace monitor {
@@ -83,11 +84,10 @@ DriverStatus ReadByIndex(NatTable table, NatEntry& entry) {
 
 DriverStatus WriteByIndex(NatTable table, const NatEntry& entry) {
   if (!InTable(table, entry.index)) return DriverStatus::kRefused;
-  IrqState saved;
-  IrqLock(&saved);
+  IrqGuard lock;
   SelectSlot(entry.index);
   StoreEntry(table, entry);
-  const DriverStatus status = RunEngineUnlocking(kWriteEntry, saved);
+  const DriverStatus status = RunEngineUnlocking(kWriteEntry, lock);
   return Failed(status) ? status : StepResult();
 }
 
@@ -151,11 +151,9 @@ DriverStatus Place(NatEntry& entry) {
 
 /// Holds the lock for the whole search, the waits included.
 DriverStatus WriteByHash(NatEntry& entry) {
-  IrqState saved;
-  IrqLock(&saved);
+  IrqGuard lock;
   StoreEntry(NatTable::kMain, entry);
   const DriverStatus status = Place(entry);
-  IrqUnlock(saved);
   return status;
 }
 

@@ -1,6 +1,7 @@
 #include "tables/nat_config.h"
 
 #include "core/filter_registers.h"
+#include "core/irq_guard.h"
 #include "tables/nat_config_registers.h"
 
 namespace monitor {
@@ -21,8 +22,7 @@ DriverStatus NatConfigRead(NatConfig& config) {
 }
 
 DriverStatus NatConfigWrite(const NatConfig& config) {
-  IrqState saved;
-  IrqLock(&saved);
+  IrqGuard lock;
   Write(kNatIp, config.ip);
   Write(kNatPortPrefix, config.portPrefix);
   Write(kNatDefaultAge, config.defaultAge);
@@ -39,7 +39,6 @@ DriverStatus NatConfigWrite(const NatConfig& config) {
   AssignBits(kNatFlags, kNatAutoTcp, config.autoTcp != 0);
   AssignBits(kNatFlags, kNatAutoUdp, config.autoUdp != 0);
   AssignBits(kNatFlags, kNatDisableAgeOut, config.disableAgeOut != 0);
-  IrqUnlock(saved);
   return DriverStatus::kOk;
 }
 

@@ -151,16 +151,14 @@ TEST_F(EngineHandshake, TheLockIsReleasedBeforeTheWait) {
     r8 0123 09 x3
     r8 0123 0b
   )");
-  IrqState saved;
-  IrqLock(&saved);
-  EXPECT_EQ(RunEngineUnlocking(kWrite, saved), DriverStatus::kOk);
+  IrqGuard lock;
+  EXPECT_EQ(RunEngineUnlocking(kWrite, lock), DriverStatus::kOk);
 }
 
 TEST_F(EngineHandshake, ABusyEngineReleasesTheLock) {
   ScriptedBus bus("lock\n r8 0123 fe\n unlock");
-  IrqState saved;
-  IrqLock(&saved);
-  EXPECT_EQ(RunEngineUnlocking(kWrite, saved), DriverStatus::kNotReady);
+  IrqGuard lock;
+  EXPECT_EQ(RunEngineUnlocking(kWrite, lock), DriverStatus::kNotReady);
 }
 
 TEST_F(EngineHandshake, AnEngineThatHangsIsLeftByCtrlC) {
@@ -175,9 +173,8 @@ TEST_F(EngineHandshake, AnEngineThatHangsIsLeftByCtrlC) {
     unlock
     r8 0123 09 x100000
   )");
-  IrqState saved;
-  IrqLock(&saved);
-  EXPECT_EQ(RunEngineUnlocking(kWrite, saved), DriverStatus::kNotReady);
+  IrqGuard lock;
+  EXPECT_EQ(RunEngineUnlocking(kWrite, lock), DriverStatus::kNotReady);
 }
 
 }  // namespace
