@@ -1,6 +1,7 @@
 #include <functional>
 #include <nlohmann/json.hpp>
 
+#include "mac/stat_counters_registers.h"
 #include "machine/registers/engines.h"
 #include "machine/registers/register_blocks.h"
 #include "machine/registers/writers.h"
@@ -150,6 +151,17 @@ Json OfEngine(const EngineRow& engine) {
   return json;
 }
 
+Json OfCounter(unsigned index, const monitor::StatCounterRow& row) {
+  const bool first_word = row.word == monitor::StatWord::kA;
+  const Field slice = row.Slice();
+  return {{"name", row.name},
+          {"index", index},
+          {"group", row.group},
+          {"register", first_word ? monitor::kStatWordA.name : monitor::kStatWordB.name},
+          {"high", slice.high},
+          {"low", slice.low}};
+}
+
 }  // namespace
 
 std::string WriteJson(const ChipMap& chip) {
@@ -162,6 +174,9 @@ std::string WriteJson(const ChipMap& chip) {
   }
   for (const EngineRow& engine : Engines()) json["engines"].push_back(OfEngine(engine));
   json["phy"] = OfPhys();
+  for (unsigned i = 0; i < monitor::kStatCounterRows.size(); ++i) {
+    json["counters"].push_back(OfCounter(i, monitor::kStatCounterRows[i]));
+  }
   return json.dump(2) + "\n";
 }
 

@@ -371,6 +371,35 @@ class Phys(unittest.TestCase):
                 for value in re.findall(r"VALUE: ([0-9a-f]{4})", self.script(lines, *options))]
 
 
+class Counters(unittest.TestCase):
+    """Where the statistics of a port lie."""
+
+    def setUp(self):
+        self.counters = as_json()["counters"]
+
+    def test_slices(self):
+        found = [(row["name"], row["group"], row["register"], row["high"], row["low"])
+                 for row in self.counters]
+        self.assertEqual(len(found), 28)
+        self.assertEqual(found[0], ("SC_BYTESENT", 0, "SC_WORD_A", 31, 0))
+        self.assertEqual(found[1], ("SC_UNICASTSENT", 0, "SC_WORD_B", 23, 0))
+        self.assertEqual(found[2], ("SC_FRMSNDFAIL", 0, "SC_WORD_B", 31, 24))
+        self.assertEqual(found[3], ("SC_FLWCTRLFRMSENT", 1, "SC_WORD_A", 15, 0))
+        self.assertEqual(found[21], ("SC_ALIGNMENTERR", 6, "SC_WORD_A", 23, 16))
+        self.assertEqual(found[27], ("SC_LATECOLLISION", 7, "SC_WORD_B", 31, 24))
+        self.assertEqual([row["index"] for row in self.counters], list(range(28)))
+
+    def test_they_fill_the_words_but_for_three_bytes(self):
+        used = [(row["group"], row["register"], bit)
+                for row in self.counters for bit in range(row["low"], row["high"] + 1)]
+        self.assertEqual(len(set(used)), len(used))
+        self.assertEqual(len(used), 8 * 2 * 32 - 24)
+
+    def test_names_and_their_order_are_those_of_the_console(self):
+        shown = support.run([BOARD], b"sc wan\n").stdout.decode()
+        self.assertEqual(re.findall(r"\bSC_\w+", shown), [row["name"] for row in self.counters])
+
+
 class Text(unittest.TestCase):
     def test_every_register_and_field(self):
         text = register_map()
