@@ -64,7 +64,7 @@ void OneClears(Xml& xml, BitUse use) {
   if (use == BitUse::kOneClears) xml.Leaf("modifiedWriteValues", "oneToClear");
 }
 
-/// Bits of a set are no values of their own.
+/// The named bits of a set are not values of the field: any of them may be set together.
 void Values(Xml& xml, const ValueType& type) {
   if (type.names.empty() || type.kind == ValueKind::kPortSet) return;
   xml.Begin("enumeratedValues");
@@ -148,7 +148,7 @@ void Peripheral(Xml& xml, const ChipMap& chip, const RegisterBlock& block) {
   xml.End("peripheral");
 }
 
-/// The format knows no big-endian device without one.
+/// In this format the byte order is one of the processor.
 void Processor(Xml& xml) {
   xml.Begin("cpu");
   xml.Leaf("name", "other");
