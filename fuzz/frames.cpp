@@ -55,7 +55,7 @@ class Story {
  private:
   void Step() {
     const std::uint8_t what = input_.Byte();
-    const auto port = static_cast<std::uint8_t>(what >> 3 & 3);
+    const auto port = static_cast<monitor::PortId>(what >> 3 & 3);
     switch (what & 7) {
       case 0:
         return Settings();
@@ -64,7 +64,7 @@ class Story {
       case 2:
         return Link(port);
       case 3:
-        (void)monitor::WriteIpAddr(port, input_.Half());
+        (void)monitor::WriteIpAddr(what >> 3 & 3, input_.Half());
         return;
       case 4:
         return Serve();
@@ -74,8 +74,9 @@ class Story {
   }
 
   void BringUp() {
-    for (unsigned port = 0; port < chip::kMacPorts; ++port) {
-      chip_->registers.Set(monitor::kMacControl[port], monitor::kMacLinkUp.Mask());
+    for (const monitor::PortId port : monitor::kMacPorts) {
+      chip_->registers.Set(monitor::kMacControl[monitor::IndexOf(port)],
+                           monitor::kMacLinkUp.Mask());
     }
     chip_->frames.SendQueued();
   }
@@ -91,9 +92,9 @@ class Story {
     faulty_ = true;
   }
 
-  void Link(unsigned port) {
-    if (port >= chip::kMacPorts) return;
-    chip_->registers.Set(monitor::kMacControl[port], input_.Byte());
+  void Link(monitor::PortId port) {
+    if (!monitor::IsMacPort(port)) return;
+    chip_->registers.Set(monitor::kMacControl[monitor::IndexOf(port)], input_.Byte());
     chip_->frames.SendQueued();
   }
 
@@ -105,7 +106,7 @@ class Story {
   }
 
   /// A frame of any length; what the input does not fill is zero.
-  void Arrive(unsigned port) {
+  void Arrive(monitor::PortId port) {
     const std::size_t length = input_.Half() % (kMostBytes);
     const auto head = input_.Bytes(input_.Byte());
     std::vector<std::uint8_t> frame(head.begin(), head.end());

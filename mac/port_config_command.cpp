@@ -1,5 +1,7 @@
 #include "mac/port_config.h"
 
+#include "core/port_words.h"
+
 namespace monitor {
 namespace {
 

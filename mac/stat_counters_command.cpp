@@ -1,5 +1,7 @@
 #include "mac/stat_counters.h"
 
+#include "core/port_words.h"
+
 namespace monitor {
 namespace {
 

@@ -4,6 +4,7 @@
 
 #include "core/command.h"
 #include "core/driver_status.h"
+#include "core/parse.h"
 #include "core/port_id.h"
 
 namespace monitor {

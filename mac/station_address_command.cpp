@@ -1,9 +1,11 @@
 #include "mac/station_address.h"
 
+#include "core/port_words.h"
+
 namespace monitor {
 namespace {
 
-constexpr std::array<Keyword, 2> kMacAddressWords{{{"CPU", kPortCpu}, {"WAN", kPortWan}}};
+constexpr std::array<Keyword, 2> kMacAddressWords{PortWord(PortId::kCpu), PortWord(PortId::kWan)};
 
 int ShowAll() {
   MacAddress cpu_mac{};

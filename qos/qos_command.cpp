@@ -1,5 +1,5 @@
 #include "core/long_wait.h"
-#include "core/port_id.h"
+#include "core/port_words.h"
 #include "qos/qos.h"
 
 namespace monitor {

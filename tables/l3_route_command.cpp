@@ -1,4 +1,4 @@
-#include "core/port_id.h"
+#include "core/port_words.h"
 #include "core/print_map.h"
 #include "core/slot_range.h"
 #include "tables/l3_route.h"

@@ -1,7 +1,6 @@
 #include "chip/mac/frame_engine.h"
 
 #include <algorithm>
-#include <bit>
 
 #include "chip/hex.h"
 #include "core/port_id.h"
@@ -17,6 +16,8 @@ using namespace monitor;  // NOLINT: the register names
 namespace {
 
 constexpr unsigned kMostUses = 15;
+
+using MacAddress = std::array<std::uint8_t, 6>;
 
 constexpr MacAddress kBroadcastAddress{0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF};
 
@@ -91,35 +92,35 @@ void FrameEngine::Reset() {
   }
 }
 
-bool FrameEngine::LinkUp(unsigned port) const {
-  return kMacLinkUp.Get(registers_.Get(kMacControl[port])) != 0;
+bool FrameEngine::LinkUp(PortId port) const {
+  return kMacLinkUp.Get(registers_.Get(kMacControl[IndexOf(port)])) != 0;
 }
 
-bool FrameEngine::LoopedBack(unsigned port) const {
-  return (registers_.Get(kLoopback) >> 2 * port & 1) != 0;
+bool FrameEngine::LoopedBack(PortId port) const {
+  return (registers_.Get(kLoopback) >> 2 * IndexOf(port) & 1) != 0;
 }
 
-ReceiveReason FrameEngine::Classify(unsigned port, std::span<const std::uint8_t> frame) const {
+ReceiveReason FrameEngine::Classify(PortId port, std::span<const std::uint8_t> frame) const {
   const MacAddress mac = Destination(frame);
   if (mac == kBroadcastAddress) return ReceiveReason::kBroadcast;
   if (IsGroup(mac)) return ReceiveReason::kMulticast;
   const bool to_cpu = mac == registers_.Get(kCpuMac);
-  const bool to_wan = port == 0 && mac == registers_.Get(kWanMac);
+  const bool to_wan = port == PortId::kWan && mac == registers_.Get(kWanMac);
   return to_cpu || to_wan ? ReceiveReason::kStation : ReceiveReason::kOther;
 }
 
-bool FrameEngine::Receive(unsigned port, std::span<const std::uint8_t> frame) {
-  if (port != kCpuPort && (!LinkUp(port) || LoopedBack(port))) return false;
+bool FrameEngine::Receive(PortId port, std::span<const std::uint8_t> frame) {
+  if (IsMacPort(port) && (!LinkUp(port) || LoopedBack(port))) return false;
   return Arrive(port, frame);
 }
 
-bool FrameEngine::Arrive(unsigned port, std::span<const std::uint8_t> frame) {
+bool FrameEngine::Arrive(PortId port, std::span<const std::uint8_t> frame) {
   statistics_.Received(port, frame);
   if (frame.size() > FrameStatistics::kLongestFrame) return false;
   return HandToCpu(port, Classify(port, frame), frame);
 }
 
-bool FrameEngine::HandToCpu(unsigned port, ReceiveReason reason,
+bool FrameEngine::HandToCpu(PortId port, ReceiveReason reason,
                             std::span<const std::uint8_t> frame) {
   if (pool_.empty()) {
     statistics_.Dropped(port);
@@ -130,7 +131,7 @@ bool FrameEngine::HandToCpu(unsigned port, ReceiveReason reason,
   buffers_[handle].pooled = false;
   buffers_[handle].held = true;
   memory.SetHeaderLength(handle, static_cast<std::uint16_t>(frame.size()));
-  memory.HeaderByte(handle, kHeaderPort) = static_cast<std::uint8_t>(1U << port);
+  memory.HeaderByte(handle, kHeaderPort) = CodeOf(port);
   memory.HeaderByte(handle, kHeaderReason) = static_cast<std::uint8_t>(reason);
   // A buffer of the pool that is sent to the CPU may come back into itself.
   const auto place = memory.Frame(handle, frame.size());
@@ -166,11 +167,11 @@ void FrameEngine::Transmit() {
     registers_.Complain("transmission to no single port");
     return;
   }
-  const auto port = static_cast<unsigned>(std::countr_zero(code));
+  const PortId port = PortOfCode(code);
   const std::uint8_t handle = registers_.Get(kTransmitHandle);
   const std::uint16_t length = memory.HeaderLength(handle);
   const bool good = length != 0 && length <= FrameStatistics::kLongestFrame;
-  if (good && port == kCpuPort) {
+  if (good && port == PortId::kCpu) {
     Receive(port, memory.Frame(handle, length));
   } else if (good && queues_[port].size() < kLongestQueue) {
     ++buffers_[handle].queued;
@@ -182,10 +183,10 @@ void FrameEngine::Transmit() {
 }
 
 void FrameEngine::SendQueued() {
-  for (unsigned port = 0; port < kMacPorts; ++port) SendQueued(port);
+  for (const PortId port : kMacPorts) SendQueued(port);
 }
 
-void FrameEngine::SendQueued(unsigned port) {
+void FrameEngine::SendQueued(PortId port) {
   while (!queues_[port].empty() && LinkUp(port)) {
     const Transmission next = queues_[port].front();
     queues_[port].pop_front();
@@ -193,7 +194,7 @@ void FrameEngine::SendQueued(unsigned port) {
   }
 }
 
-void FrameEngine::Send(unsigned port, Transmission transmission) {
+void FrameEngine::Send(PortId port, Transmission transmission) {
   const std::span<const std::uint8_t> frame =
       memory.Frame(transmission.handle, transmission.length);
   statistics_.Sent(port, frame);
@@ -257,10 +258,10 @@ void FrameEngine::State(StateArchive& archive) {
 }
 
 void FrameEngine::QueueState(StateArchive& archive) {
-  for (unsigned port = 0; port < kMacPorts; ++port) {
+  for (const PortId port : kMacPorts) {
     std::deque<Transmission>& queue = queues_[port];
     std::size_t size = queue.size();
-    archive.EnterList(kMacPortNames[port], size, kLongestQueue);
+    archive.EnterList(NameOf(port), size, kLongestQueue);
     queue.resize(size);
     for (Transmission& transmission : queue) {
       archive.EnterElement();

@@ -24,7 +24,6 @@ enum class ReceiveReason : std::uint8_t {
 
 class FrameEngine {
  public:
-  static constexpr unsigned kCpuPort = 3;            ///< Frames sent to it come back as received.
   static constexpr std::size_t kLongestQueue = 256;  ///< Frames that a port keeps while down.
 
   FrameEngine(RegisterFile& registers, InterruptController& interrupts, StatCounters& counters);
@@ -35,9 +34,9 @@ class FrameEngine {
   void State(StateArchive& archive);
 
   /// A frame, without its check sequence, arrives at a port from outside (from the CPU itself on
-  /// kCpuPort). False when it is lost: the port is down or looped back, the frame too long, no
+  /// its port). False when it is lost: the port is down or looped back, the frame too long, no
   /// buffer free.
-  bool Receive(unsigned port, std::span<const std::uint8_t> frame);
+  bool Receive(monitor::PortId port, std::span<const std::uint8_t> frame);
 
   /// Sends what waits for ports that are up. To be called when one has come up.
   void SendQueued();
@@ -48,10 +47,10 @@ class FrameEngine {
   [[nodiscard]] bool Waiting() const { return !received_.empty(); }
 
   /// True when the port is switched on.
-  [[nodiscard]] bool LinkUp(unsigned port) const;
+  [[nodiscard]] bool LinkUp(monitor::PortId port) const;
 
   /// A frame leaves a port. Empty when nothing is attached.
-  std::function<void(unsigned port, std::span<const std::uint8_t> frame)> on_transmit;
+  std::function<void(monitor::PortId port, std::span<const std::uint8_t> frame)> on_transmit;
 
   FrameMemory memory;
   Engine transmit;  ///< "tx"
@@ -70,17 +69,18 @@ class FrameEngine {
     std::uint16_t length;
   };
 
-  [[nodiscard]] bool LoopedBack(unsigned port) const;
-  [[nodiscard]] ReceiveReason Classify(unsigned port, std::span<const std::uint8_t> frame) const;
+  [[nodiscard]] bool LoopedBack(monitor::PortId port) const;
+  [[nodiscard]] ReceiveReason Classify(monitor::PortId port,
+                                       std::span<const std::uint8_t> frame) const;
 
-  bool Arrive(unsigned port, std::span<const std::uint8_t> frame);
-  bool HandToCpu(unsigned port, ReceiveReason reason, std::span<const std::uint8_t> frame);
+  bool Arrive(monitor::PortId port, std::span<const std::uint8_t> frame);
+  bool HandToCpu(monitor::PortId port, ReceiveReason reason, std::span<const std::uint8_t> frame);
   void OfferNext();
   void TakeAcknowledge(std::uint8_t control);
 
   void Transmit();
-  void SendQueued(unsigned port);
-  void Send(unsigned port, Transmission transmission);
+  void SendQueued(monitor::PortId port);
+  void Send(monitor::PortId port, Transmission transmission);
   void CountUses();
   void Release();
   void ReturnIfUnused(std::uint8_t handle);
@@ -95,7 +95,7 @@ class FrameEngine {
   std::array<Buffer, 256> buffers_;
   std::deque<std::uint8_t> pool_;
   std::deque<std::uint8_t> received_;  ///< Not yet acknowledged, the offered one first.
-  std::array<std::deque<Transmission>, kMacPorts> queues_;
+  PerMacPort<std::deque<Transmission>> queues_;
   bool acknowledging_ = false;
 };
 

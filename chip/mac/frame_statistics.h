@@ -17,13 +17,13 @@ class FrameStatistics {
   explicit FrameStatistics(StatCounters& counters) : counters_(counters) {}
 
   // Each of these counts for MAC ports only.
-  void Received(unsigned port, std::span<const std::uint8_t> frame);
-  void Dropped(unsigned port);
-  void Sent(unsigned port, std::span<const std::uint8_t> frame);
-  void SendFailed(unsigned port);
+  void Received(monitor::PortId port, std::span<const std::uint8_t> frame);
+  void Dropped(monitor::PortId port);
+  void Sent(monitor::PortId port, std::span<const std::uint8_t> frame);
+  void SendFailed(monitor::PortId port);
 
  private:
-  void Count(unsigned port, unsigned counter, std::size_t amount = 1);
+  void Count(monitor::PortId port, unsigned counter, std::size_t amount = 1);
 
   StatCounters& counters_;
 };

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "core/port_id.h"
+#include "core/port_words.h"
 
 namespace monitor {
 namespace {
@@ -277,12 +277,6 @@ TEST(Keywords, OtherWordsLeaveTheValueAlone) {
   }
   EXPECT_FALSE(ParseKeyword("CPU", kMacPortWords, value));
   EXPECT_EQ(value, 0xA5);
-}
-
-TEST(Ports, AreExactlyOneBit) {
-  for (unsigned code = 0; code < 256; ++code) {
-    EXPECT_EQ(IsPort(code), code == 1 || code == 2 || code == 4 || code == 8) << code;
-  }
 }
 
 }  // namespace

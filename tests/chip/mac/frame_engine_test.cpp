@@ -20,21 +20,21 @@ Bytes SomeFrame(std::size_t length) {
 
 class Frames : public testing::Test {
  protected:
-  static constexpr unsigned kWan = 0;
-  static constexpr unsigned kLan = 1;
-  static constexpr unsigned kDmz = 2;
+  static constexpr auto kWan = monitor::PortId::kWan;
+  static constexpr auto kLan = monitor::PortId::kLan;
+  static constexpr auto kDmz = monitor::PortId::kDmz;
 
   struct Sent {
-    unsigned port;
+    monitor::PortId port;
     Bytes frame;
   };
 
   /// Counts by port and counter.
-  using Counts = std::map<std::pair<unsigned, unsigned>, std::uint32_t>;
+  using Counts = std::map<std::pair<monitor::PortId, unsigned>, std::uint32_t>;
 
   void SetUp() override {
     for (std::uint32_t port = 0; port < 3; ++port) Store8(port, 0x08);
-    chip_.frames.on_transmit = [this](unsigned port, std::span<const std::uint8_t> frame) {
+    chip_.frames.on_transmit = [this](monitor::PortId port, std::span<const std::uint8_t> frame) {
       sent_.push_back({port, Bytes(frame.begin(), frame.end())});
     };
   }
@@ -88,7 +88,7 @@ class Frames : public testing::Test {
   /// What the counters have come to, without those at 0.
   Counts Counted() const {
     Counts counts;
-    for (unsigned port = 0; port < kMacPorts; ++port) {
+    for (const auto port : {kWan, kLan, kDmz}) {
       for (unsigned counter = 0; counter < StatCounters::kCounters; ++counter) {
         const std::uint32_t count = chip_.stat_counters.counters[port][counter];
         if (count != 0) counts[{port, counter}] = count;
@@ -198,7 +198,7 @@ TEST_F(Frames, TheReasonFollowsFromTheDestination) {
     Store8(0x420 + i, wan_mac[i]);
   }
   struct Row {
-    unsigned port;
+    monitor::PortId port;
     Bytes destination;
     unsigned reason;
   };
@@ -218,7 +218,7 @@ TEST_F(Frames, TheReasonFollowsFromTheDestination) {
     ASSERT_TRUE(chip_.frames.Receive(row.port, frame));
     const std::uint32_t start = 0x01000000 + 0x800U * Load8(0x426);
     EXPECT_EQ(Memory(start + 10), row.reason);
-    EXPECT_EQ(Memory(start + 9), 1 << row.port);
+    EXPECT_EQ(Memory(start + 9), row.port == kWan ? 0x01 : 0x02);
     TakeOffered();
   }
 }
