@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "chip/hex.h"
+#include "chip/mac/frame_limits.h"
 #include "core/port_id.h"
 #include "mac/frame_registers.h"
 #include "mac/port_config_registers.h"
@@ -116,7 +117,7 @@ bool FrameEngine::Receive(PortId port, std::span<const std::uint8_t> frame) {
 
 bool FrameEngine::Arrive(PortId port, std::span<const std::uint8_t> frame) {
   statistics_.Received(port, frame);
-  if (frame.size() > FrameStatistics::kLongestFrame) return false;
+  if (frame.size() > kLongestFrame) return false;
   return HandToCpu(port, Classify(port, frame), frame);
 }
 
@@ -170,7 +171,7 @@ void FrameEngine::Transmit() {
   const PortId port = PortOfCode(code);
   const std::uint8_t handle = registers_.Get(kTransmitHandle);
   const std::uint16_t length = memory.HeaderLength(handle);
-  const bool good = length != 0 && length <= FrameStatistics::kLongestFrame;
+  const bool good = length != 0 && length <= kLongestFrame;
   if (good && port == PortId::kCpu) {
     Receive(port, memory.Frame(handle, length));
   } else if (good && queues_[port].size() < kLongestQueue) {
@@ -266,8 +267,7 @@ void FrameEngine::QueueState(StateArchive& archive) {
     for (Transmission& transmission : queue) {
       archive.EnterElement();
       archive.Hex("handle", transmission.handle);
-      archive.Count("length", transmission.length,
-                    static_cast<std::uint16_t>(FrameStatistics::kLongestFrame));
+      archive.Count("length", transmission.length, static_cast<std::uint16_t>(kLongestFrame));
       archive.Require(transmission.length != 0, "length", "empty frames are not sent");
       archive.Leave();
     }

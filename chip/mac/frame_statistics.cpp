@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "chip/mac/frame_limits.h"
+
 namespace chip {
 namespace {
 

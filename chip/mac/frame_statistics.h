@@ -1,7 +1,6 @@
 // What the frames of a port add to its statistic counters.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <span>
 
@@ -11,9 +10,6 @@ namespace chip {
 
 class FrameStatistics {
  public:
-  /// Frames longer than this, without their check sequence, are oversize.
-  static constexpr std::size_t kLongestFrame = 1524;
-
   explicit FrameStatistics(StatCounters& counters) : counters_(counters) {}
 
   // Each of these counts for MAC ports only.
