@@ -49,7 +49,7 @@ class Story {
     BringUp();
     monitor::ReceiveMode = monitor::kReceiveAuto;
     while (monitor::PacketService()) continue;
-    if (chip_->frames.FreeBuffers() != all_free_) std::abort();
+    if (chip_->frames.pool.Free() != all_free_) std::abort();
   }
 
  private:
@@ -116,7 +116,7 @@ class Story {
 
   fuzz::Input input_;
   std::unique_ptr<chip::RouterChip> chip_ = std::make_unique<chip::RouterChip>();
-  std::size_t all_free_ = chip_->frames.FreeBuffers();
+  std::size_t all_free_ = chip_->frames.pool.Free();
   bool faulty_ = false;
   unsigned faulty_passes_ = 0;
 };

@@ -54,7 +54,7 @@ Network::Network(chip::RouterChip& chip, const NetworkSetup& setup)
 
 void Network::PollWhenDue() {
   // While the monitor works off what has come, looking for more can wait a little.
-  if (chip_.frames.Waiting() && ++looks_ < kLooksBetweenPolls) return;
+  if (chip_.frames.cpu.Waiting() && ++looks_ < kLooksBetweenPolls) return;
   looks_ = 0;
   // Captures without timing have no descriptor that would have ended the wait.
   if (std::exchange(waited_, false) && !Pending()) return;
@@ -72,7 +72,8 @@ void Network::Poll() {
 void Network::Take(PortId port) {
   const bool waits = ports_[port]->Waits();
   for (unsigned i = 0; i < kFramesPerPoll; ++i) {
-    if (waits && (!chip_.frames.LinkUp(port) || chip_.frames.FreeBuffers() <= kBuffersLeftFree)) {
+    if (waits &&
+        (!chip_.frames.ports[port].LinkUp() || chip_.frames.pool.Free() <= kBuffersLeftFree)) {
       return;
     }
     const std::optional<Frame> frame = ports_[port]->Receive();
@@ -113,9 +114,9 @@ void Network::Watch(int fd) {
 }
 
 bool Network::Pending() const {
-  if (chip_.frames.Waiting()) return true;
+  if (chip_.frames.cpu.Waiting()) return true;
   for (const PortId port : monitor::kMacPorts) {
-    if (ports_[port] && ports_[port]->Pending() && chip_.frames.LinkUp(port)) return true;
+    if (ports_[port] && ports_[port]->Pending() && chip_.frames.ports[port].LinkUp()) return true;
   }
   return false;
 }

@@ -214,7 +214,7 @@ class Twins : public testing::Test {
                              second->chip.frames.memory.Frame(handle, 2048).begin()));
     }
     ASSERT_EQ(first.sent, second->sent);
-    ASSERT_EQ(first.chip.frames.FreeBuffers(), second->chip.frames.FreeBuffers());
+    ASSERT_EQ(first.chip.frames.pool.Free(), second->chip.frames.pool.Free());
     ASSERT_EQ(board::StateText(first.chip), board::StateText(second->chip));
   }
 
