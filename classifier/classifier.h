@@ -9,7 +9,7 @@
 
 #include <array>
 
-#include "core/command.h"
+#include "console/command.h"
 #include "core/driver_status.h"
 
 namespace monitor {

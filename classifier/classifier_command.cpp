@@ -1,6 +1,6 @@
 #include "classifier/classifier.h"
 #include "classifier/rule_language.h"
-#include "core/slot_range.h"
+#include "console/slot_range.h"
 
 namespace monitor {
 namespace {

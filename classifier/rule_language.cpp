@@ -1,6 +1,6 @@
 #include "classifier/rule_language.h"
 
-#include "core/port_words.h"
+#include "console/port_words.h"
 
 namespace monitor {
 namespace {

@@ -1,6 +1,6 @@
 // The register and memory socket: every access to the chip goes through these functions.
 //
-// They are declared here and filled at link time: by device/ with single volatile loads and
+// They are declared here and filled at link time: by debug_monitor/ with single volatile loads and
 // stores, by chip/ with calls into the software model, by the tests with a scripted bus.
 #pragma once
 

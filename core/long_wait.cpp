@@ -1,23 +1,14 @@
 #include "core/long_wait.h"
 
-#include "core/console_port.h"
-
 namespace monitor {
-namespace {
-
-Awaited g_awaited;
-
-}  // namespace
 
 bool LongWait::GivenUp() {
   if (--rounds_left_ != 0) return false;
   rounds_left_ = kLookEvery;
-  g_awaited = awaited_;
+  const Awaited awaited = awaited_;
   awaited_.first_look = false;
-  return ConsoleInterrupted();
+  return WaitInterrupted(awaited);
 }
-
-const Awaited& LastAwaited() { return g_awaited; }
 
 DriverStatus WaitForBit(Reg8 reg, Field field) {
   LongWait wait(reg, field);

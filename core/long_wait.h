@@ -34,9 +34,11 @@ class LongWait {
   Awaited awaited_;
 };
 
-/// What the wait that has last looked at the console is for. For ConsoleInterrupted, which may
-/// tell the operator.
-[[nodiscard]] const Awaited& LastAwaited();
+/// The operator's way out of a wait that may not end; like the bus, filled at link time. Flushes
+/// the console, and when that is a terminal on which Ctrl-C has been typed, discards the input up
+/// to and including it and answers true. Input without a Ctrl-C is kept. Never true when input
+/// comes from a pipe or a file. `awaited` is for those who tell the operator about the wait.
+[[nodiscard]] bool WaitInterrupted(const Awaited& awaited);
 
 /// Loads `reg` until a bit of `field` is set, at least once, without a time limit. kOk, or
 /// kNotReady when the operator ended the wait.

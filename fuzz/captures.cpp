@@ -6,10 +6,10 @@
 #include <cstdlib>
 #include <vector>
 
-#include "board/message.h"
-#include "board/ports/capture_file.h"
-#include "board/ports/descriptor.h"
-#include "board/ports/port.h"
+#include "host/descriptor.h"
+#include "host/message.h"
+#include "machine/ports/capture_file.h"
+#include "machine/ports/port.h"
 
 namespace board {
 

@@ -5,7 +5,8 @@
 #include <csetjmp>
 #include <memory>
 
-#include "core/console_port.h"
+#include "console/console_port.h"
+#include "core/long_wait.h"
 #include "fuzz/input.h"
 #include "mac/packet_service.h"
 #include "shell/shell.h"
@@ -30,7 +31,7 @@ void ConsoleSend(const char* /*text*/, std::size_t /*count*/) {}
 void ConsoleFlush() {}
 void ConsoleWait(long /*microseconds*/) {}
 void ConsoleIdle(long /*microseconds*/) {}
-bool ConsoleInterrupted() { return true; }
+bool WaitInterrupted(const Awaited& /*awaited*/) { return true; }
 
 }  // namespace monitor
 

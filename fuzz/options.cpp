@@ -1,11 +1,11 @@
 // Any words as the command line of the board, one a line. They are understood or refused as a
 // wrong command line; the faults that they name are set.
-#include "board/options.h"
+#include "virtual_board/options.h"
 
 #include <cstddef>
 #include <sstream>
 
-#include "board/faults.h"
+#include "machine/faults.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   std::istringstream lines(std::string(data, data + size));

@@ -1,6 +1,6 @@
 // Any bytes as a state file. They are refused as such, or they load; what has loaded is saved and
 // loaded again without a difference, and the monitor's registers can be read.
-#include "board/state/state_text.h"
+#include "machine/state/state_text.h"
 
 #include <cstddef>
 #include <cstdlib>

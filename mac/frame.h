@@ -6,7 +6,7 @@
 
 #include <cstdint>
 
-#include "core/command.h"
+#include "console/command.h"
 #include "core/driver_status.h"
 
 namespace monitor {

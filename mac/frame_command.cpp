@@ -1,4 +1,4 @@
-#include "core/port_words.h"
+#include "console/port_words.h"
 #include "mac/forward_control.h"
 #include "mac/frame.h"
 #include "mac/packet_service.h"

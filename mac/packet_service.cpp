@@ -1,10 +1,12 @@
 #include "mac/packet_service.h"
 
+#include "console/console.h"
 #include "core/bus.h"
-#include "core/console.h"
 #include "core/port_id.h"
 #include "mac/frame.h"
 #include "mac/station_address.h"
+#include "net/arp.h"
+#include "net/ethernet.h"
 #include "system/interrupt.h"
 
 namespace monitor {
@@ -14,25 +16,11 @@ std::uint16_t ArpAutoReply = 0;
 
 namespace {
 
-// An Ethernet frame with an ARP body, by byte from its start. The target address lies two bytes
-// past a four-byte boundary, so fields are reached byte by byte.
-constexpr std::uint32_t kDestinationMac = 0;
-constexpr std::uint32_t kSourceMac = 6;
-constexpr std::uint32_t kEtherType = 12;
-constexpr std::uint32_t kOperation = 20;
-constexpr std::uint32_t kSenderMac = 22;
-constexpr std::uint32_t kSenderIp = 28;
-constexpr std::uint32_t kTargetMac = 32;
-constexpr std::uint32_t kTargetIp = 38;
-
 template <std::size_t N>
 using Bytes = std::array<std::uint8_t, N>;
 
-constexpr Bytes<2> kArp{0x08, 0x06};
-constexpr Bytes<2> kRequest{0x00, 0x01};
-constexpr Bytes<2> kReply{0x00, 0x02};
-
-/// N byte loads of frame buffer memory in increasing order.
+/// N byte loads of frame buffer memory in increasing order. The target address of an ARP body lies
+/// two bytes past a four-byte boundary, so fields are reached byte by byte.
 template <std::size_t N>
 Bytes<N> Load(std::uint32_t address) {
   Bytes<N> bytes;
@@ -94,24 +82,24 @@ bool PacketService() {
 }
 
 DriverStatus BuildArpReply(std::uint8_t port, std::uint32_t frame) {
-  if (Load<2>(frame + kEtherType) != kArp) return DriverStatus::kRefused;
-  if (Load<2>(frame + kOperation) != kRequest) return DriverStatus::kRefused;
+  if (Load<2>(frame + net::kEtherType) != net::kEtherTypeArp) return DriverStatus::kRefused;
+  if (Load<2>(frame + net::kArpOperation) != net::kArpRequest) return DriverStatus::kRefused;
   std::uint32_t own_address;
   if (Failed(ReadIpAddr(port, own_address))) return DriverStatus::kRefused;
 
-  const Bytes<4> target_ip = Load<4>(frame + kTargetIp);
+  const Bytes<4> target_ip = Load<4>(frame + net::kArpTargetIp);
   if (target_ip == NetworkOrder(own_address)) {
-    const Bytes<4> sender_ip = Load<4>(frame + kSenderIp);
-    Store(frame + kSenderIp, target_ip);
-    Store(frame + kTargetIp, sender_ip);
+    const Bytes<4> sender_ip = Load<4>(frame + net::kArpSenderIp);
+    Store(frame + net::kArpSenderIp, target_ip);
+    Store(frame + net::kArpTargetIp, sender_ip);
   }
-  Store(frame + kOperation, kReply);
+  Store(frame + net::kArpOperation, net::kArpReply);
   MacAddress own_mac;
   (void)ReadMacAddr(kPortCpu, own_mac);
-  Store(frame + kTargetMac, Load<6>(frame + kSenderMac));
-  Store(frame + kSenderMac, own_mac);
-  Store(frame + kDestinationMac, Load<6>(frame + kSourceMac));
-  Store(frame + kSourceMac, own_mac);
+  Store(frame + net::kArpTargetMac, Load<6>(frame + net::kArpSenderMac));
+  Store(frame + net::kArpSenderMac, own_mac);
+  Store(frame + net::kDestinationMac, Load<6>(frame + net::kSourceMac));
+  Store(frame + net::kSourceMac, own_mac);
   return DriverStatus::kOk;
 }
 

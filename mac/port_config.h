@@ -5,7 +5,7 @@
 // makes the port's PHY advertise pause.
 #pragma once
 
-#include "core/command.h"
+#include "console/command.h"
 #include "core/driver_status.h"
 #include "core/port_id.h"
 

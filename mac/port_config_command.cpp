@@ -1,6 +1,6 @@
 #include "mac/port_config.h"
 
-#include "core/port_words.h"
+#include "console/port_words.h"
 
 namespace monitor {
 namespace {

@@ -3,7 +3,7 @@
 // registers and a command byte. The engine reports no result: a finished step counts as success.
 #pragma once
 
-#include "core/command.h"
+#include "console/command.h"
 #include "core/driver_status.h"
 #include "core/port_id.h"
 

@@ -2,9 +2,8 @@
 // three external ports.
 #pragma once
 
-#include "core/command.h"
+#include "console/command.h"
 #include "core/driver_status.h"
-#include "core/parse.h"
 #include "core/port_id.h"
 
 namespace monitor {

@@ -2,7 +2,7 @@
 // the forwarding-control record.
 #pragma once
 
-#include "core/command.h"
+#include "console/command.h"
 
 namespace monitor {
 

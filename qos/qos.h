@@ -2,7 +2,7 @@
 // port, thresholds and credit for each of a port's four queues. All values are single bytes.
 #pragma once
 
-#include "core/command.h"
+#include "console/command.h"
 #include "core/driver_status.h"
 
 namespace monitor {

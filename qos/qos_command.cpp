@@ -1,5 +1,6 @@
 #include "core/long_wait.h"
-#include "core/port_words.h"
+
+#include "console/port_words.h"
 #include "qos/qos.h"
 
 namespace monitor {

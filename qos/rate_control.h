@@ -1,7 +1,7 @@
 // Rate control of four queues: a committed information rate, a committed bucket size, a switch.
 #pragma once
 
-#include "core/command.h"
+#include "console/command.h"
 #include "core/driver_status.h"
 
 namespace monitor {

@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "core/command.h"
+#include "console/command.h"
 
 namespace monitor {
 

@@ -1,7 +1,7 @@
 #include "shell/line_editor.h"
 
-#include "core/console.h"
-#include "core/console_port.h"
+#include "console/console.h"
+#include "console/console_port.h"
 #include "shell/history.h"
 
 namespace monitor {

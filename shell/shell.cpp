@@ -3,8 +3,8 @@
 #include <cstring>
 
 #include "classifier/classifier.h"
+#include "console/console_port.h"
 #include "core/bus.h"
-#include "core/console_port.h"
 #include "mac/packet_service.h"
 #include "shell/command_table.h"
 #include "shell/history.h"

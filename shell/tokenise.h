@@ -1,7 +1,7 @@
 // Splits the console line into the words of the ArgVector.
 #pragma once
 
-#include "core/command.h"
+#include "console/command.h"
 
 namespace monitor {
 

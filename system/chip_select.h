@@ -4,7 +4,7 @@
 // the alternative region, a start only. There is no number 2.
 #pragma once
 
-#include "core/command.h"
+#include "console/command.h"
 #include "core/driver_status.h"
 
 namespace monitor {

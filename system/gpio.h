@@ -1,7 +1,7 @@
 // The eight general-purpose pins: levels, interrupt status and configuration, one bit a pin.
 #pragma once
 
-#include "core/command.h"
+#include "console/command.h"
 #include "core/driver_status.h"
 
 namespace monitor {

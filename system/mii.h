@@ -3,7 +3,7 @@
 // is put together from two loads. All polling is bounded.
 #pragma once
 
-#include "core/command.h"
+#include "console/command.h"
 #include "core/driver_status.h"
 
 namespace monitor {

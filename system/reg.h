@@ -2,7 +2,7 @@
 // addresses of this process and have no row in the command table.
 #pragma once
 
-#include "core/command.h"
+#include "console/command.h"
 
 namespace monitor {
 

@@ -1,7 +1,7 @@
 #include "system/reset.h"
 
 #include "classifier/classifier.h"
-#include "core/console_port.h"
+#include "console/console_port.h"
 #include "core/long_wait.h"
 #include "system/reset_registers.h"
 

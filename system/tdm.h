@@ -2,7 +2,7 @@
 // that is spread over two registers.
 #pragma once
 
-#include "core/command.h"
+#include "console/command.h"
 #include "core/driver_status.h"
 
 namespace monitor {

@@ -4,7 +4,7 @@
 // can be read but not written.
 #pragma once
 
-#include "core/command.h"
+#include "console/command.h"
 #include "core/driver_status.h"
 
 namespace monitor {

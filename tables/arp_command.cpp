@@ -1,5 +1,5 @@
-#include "core/print_map.h"
-#include "core/slot_range.h"
+#include "console/print_map.h"
+#include "console/slot_range.h"
 #include "mac/packet_service.h"
 #include "tables/arp.h"
 

@@ -1,6 +1,7 @@
-#include "core/port_words.h"
-#include "core/print_map.h"
-#include "core/slot_range.h"
+#include "console/print_map.h"
+
+#include "console/port_words.h"
+#include "console/slot_range.h"
 #include "tables/l3_route.h"
 
 namespace monitor {

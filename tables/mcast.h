@@ -3,7 +3,7 @@
 // filter control byte.
 #pragma once
 
-#include "core/command.h"
+#include "console/command.h"
 #include "core/driver_status.h"
 #include "core/entry_map.h"
 

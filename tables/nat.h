@@ -4,7 +4,7 @@
 // result, and a write is refused when another entry holds the slot.
 #pragma once
 
-#include "core/command.h"
+#include "console/command.h"
 #include "core/driver_status.h"
 
 namespace monitor {

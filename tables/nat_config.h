@@ -2,7 +2,7 @@
 // filter is bit 4 of the filter control byte; a write can switch it on, but never off.
 #pragma once
 
-#include "core/command.h"
+#include "console/command.h"
 #include "core/driver_status.h"
 
 namespace monitor {

@@ -6,17 +6,21 @@ import re
 import sys
 
 TOP = pathlib.Path(__file__).resolve().parent.parent
-BLOCKS = ("system", "mac", "tables", "classifier", "qos")
-CONSOLE = ("core/console.h", "core/console_port.h", "core/command.h")
+BLOCKS = ("system", "mac", "tables", "classifier", "qos", "pppoe")
+CONSOLE = ("console/console.h", "console/console_port.h", "console/command.h")
 
 # Who may include what, by folder of the included file. A folder may always include itself.
 MAY_INCLUDE = {
     "core": (),
-    "shell": ("core", *BLOCKS),
-    "device": ("core", "shell"),
-    "chip": ("core", *BLOCKS),
-    "board": ("core", "shell", "device", "chip", *BLOCKS),
-    **{block: ("core", *BLOCKS) for block in BLOCKS},
+    "net": (),
+    "console": ("core", "net"),
+    "shell": ("core", "console", *BLOCKS),
+    "debug_monitor": ("core", "console", "shell"),
+    "chip": ("core", "net", *BLOCKS),
+    "host": ("console",),
+    "machine": ("core", "chip", "host", "virtual_board", *BLOCKS),
+    "virtual_board": ("core", "console", "shell", "chip", "host", "machine", *BLOCKS),
+    **{block: ("core", "net", "console", *BLOCKS) for block in BLOCKS},
 }
 
 

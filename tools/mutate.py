@@ -18,7 +18,7 @@ import sys
 import threading
 
 TOP = pathlib.Path(__file__).resolve().parent.parent
-FOLDERS = ("core", "shell", "system", "mac", "tables", "classifier", "qos")
+FOLDERS = ("core", "console", "shell", "system", "mac", "tables", "classifier", "qos", "pppoe")
 TIMEOUT_SECONDS = 30
 WORKERS = 2
 

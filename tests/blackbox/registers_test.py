@@ -21,7 +21,7 @@ WINDOW = 0x50000000
 # Tests of accesses as such, at any offset.
 OF_ACCESSES = {
     "chip/engine_test.cpp", "chip/plain_storage_test.cpp", "chip/register_file_test.cpp",
-    "core/console_test.cpp", "core/engine_test.cpp", "core/long_wait_test.cpp",
+    "console/console_test.cpp", "core/engine_test.cpp", "core/long_wait_test.cpp",
     "core/registers_test.cpp", "shell/shell_test.cpp", "system/reg_test.cpp",
 }
 # The driver does not check the queue, so a test asks for one that the chip does not have.

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "core/console.h"
+#include "console/console.h"
 #include "support/scripted_bus.h"
 #include "support/scripted_console.h"
 

@@ -21,7 +21,7 @@ enum class Kind : std::uint8_t {
   kLock,
   kUnlock,
   kFlush,
-  kLook,  ///< ConsoleInterrupted.
+  kLook,  ///< WaitInterrupted.
 };
 
 /// The driver does something; the answer of a load, Map or look. Junk when the driver is not on

@@ -3,8 +3,9 @@
 #include <cstring>
 #include <vector>
 
+#include "console/console_port.h"
 #include "core/bus.h"
-#include "core/console_port.h"
+#include "core/long_wait.h"
 #include "hostile/event.h"
 
 using hostile::Happen;
@@ -93,6 +94,6 @@ void ConsoleSend(const char* /*text*/, std::size_t /*count*/) {}
 void ConsoleFlush() { Happen(Kind::kFlush); }
 void ConsoleWait(long /*microseconds*/) { std::abort(); }  // No driver operation sleeps.
 void ConsoleIdle(long /*microseconds*/) { std::abort(); }
-bool ConsoleInterrupted() { return Happen(Kind::kLook) != 0; }
+bool WaitInterrupted(const Awaited& /*awaited*/) { return Happen(Kind::kLook) != 0; }
 
 }  // namespace monitor

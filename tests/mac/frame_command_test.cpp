@@ -3,7 +3,7 @@
 
 #include <cstdio>
 
-#include "core/command.h"
+#include "console/command.h"
 #include "mac/packet_service.h"
 #include "mac/transmit_buffers.h"
 #include "support/command_line.h"

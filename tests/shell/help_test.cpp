@@ -3,7 +3,7 @@
 #include <array>
 #include <string>
 
-#include "core/console.h"
+#include "console/console.h"
 #include "shell/command_table.h"
 #include "support/scripted_console.h"
 

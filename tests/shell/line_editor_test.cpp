@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "core/console.h"
+#include "console/console.h"
 #include "shell/history.h"
 #include "support/keys.h"
 #include "support/scripted_console.h"

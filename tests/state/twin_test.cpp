@@ -6,7 +6,7 @@
 #include <memory>
 #include <random>
 
-#include "board/state/state_text.h"
+#include "machine/state/state_text.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <array>
 #include <stdexcept>
 
-#include "core/console.h"
+#include "console/console.h"
 #include "shell/command_table.h"
 #include "shell/history.h"
 #include "shell/line_editor.h"

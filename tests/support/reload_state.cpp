@@ -1,8 +1,8 @@
 // A session on a chip that is switched off before every line: its state is saved, and loaded again
 // once nothing is left of it. The screen must not tell.
-#include "board/state/state_text.h"
 #include "mac/frame.h"
 #include "mac/packet_service.h"
+#include "machine/state/state_text.h"
 #include "support/session.h"
 
 namespace {

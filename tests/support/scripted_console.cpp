@@ -5,8 +5,8 @@
 #include <deque>
 #include <utility>
 
-#include "core/console.h"
-#include "core/console_port.h"
+#include "console/console.h"
+#include "console/console_port.h"
 #include "support/scripted_bus.h"
 
 namespace {
@@ -21,6 +21,7 @@ std::vector<long> g_sleeps;
 unsigned g_idle_sleeps = 0;  ///< With nothing left to type.
 bool g_ctrl_c = false;
 unsigned g_looks = 0;
+monitor::Awaited g_awaited;
 unsigned g_flushes = 0;
 
 }  // namespace
@@ -57,6 +58,8 @@ void PressCtrlCInWaits(bool pressed) { g_ctrl_c = pressed; }
 
 unsigned TakeLooks() { return std::exchange(g_looks, 0); }
 
+const monitor::Awaited& LastAwaited() { return g_awaited; }
+
 unsigned TakeFlushes() { return std::exchange(g_flushes, 0); }
 
 namespace monitor {
@@ -92,7 +95,8 @@ void ConsoleWait(long microseconds) {
 
 void ConsoleIdle(long microseconds) { ConsoleWait(microseconds); }
 
-bool ConsoleInterrupted() {
+bool WaitInterrupted(const Awaited& awaited) {
+  g_awaited = awaited;
   ConsoleFlush();
   ++g_looks;
   // A broken transcript answers junk for ever.

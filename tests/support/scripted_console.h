@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "core/long_wait.h"
+
 /// Characters that the monitor will find waiting.
 void Type(const std::string& keys);
 
@@ -33,6 +35,9 @@ void PressCtrlCInWaits(bool pressed);
 
 /// How often the monitor has looked for a Ctrl-C since the last call.
 [[nodiscard]] unsigned TakeLooks();
+
+/// What the wait was for in which the monitor has last looked.
+[[nodiscard]] const monitor::Awaited& LastAwaited();
 
 /// How often the monitor has flushed the console since the last call.
 [[nodiscard]] unsigned TakeFlushes();

@@ -4,7 +4,8 @@
 #include <iostream>
 #include <utility>
 
-#include "core/console_port.h"
+#include "console/console_port.h"
+#include "core/long_wait.h"
 #include "shell/shell.h"
 #include "support/session.h"
 #include "support/session_steps.h"
@@ -145,7 +146,7 @@ void ConsoleSend(const char* text, std::size_t count) { g_session->Print(text, c
 void ConsoleFlush() {}
 void ConsoleWait(long /*microseconds*/) {}
 void ConsoleIdle(long /*microseconds*/) {}
-bool ConsoleInterrupted() { return g_session->state.ctrl_c_in_waits; }
+bool WaitInterrupted(const Awaited& /*awaited*/) { return g_session->state.ctrl_c_in_waits; }
 
 }  // namespace monitor
 

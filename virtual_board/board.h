@@ -1,0 +1,83 @@
+#pragma once
+
+#include <fstream>
+#include <optional>
+
+#include "chip/router_chip.h"
+#include "core/long_wait.h"
+#include "host/descriptor.h"
+#include "host/end_signals.h"
+#include "machine/ports/network.h"
+#include "machine/state/state_file.h"
+#include "machine/trace.h"
+#include "virtual_board/options.h"
+#include "virtual_board/progress.h"
+#include "virtual_board/pseudo_terminal.h"
+#include "virtual_board/terminal.h"
+
+namespace board {
+
+/// The chip, its console and whoever watches it, as the options want them. There is one, it lives
+/// until the program exits, and it puts back what it has changed on the outside.
+class Board {
+ public:
+  /// Throws UsageError or, when something cannot be opened, another std::runtime_error; the console
+  /// is not touched then. The options must outlive the board.
+  explicit Board(const Options& options);
+  Board(const Board&) = delete;
+  Board& operator=(const Board&) = delete;
+
+  /// Saves what was asked for. The program's exit status: 1 when something that was asked for could
+  /// not be read or written, else that of the lines where the options want it.
+  [[nodiscard]] int Finish();
+
+  /// Follows what the monitor's shell does.
+  void Note(monitor::ShellEvent event);
+
+  /// To be called when a script ends in the middle of a line. Where nothing is echoed nobody would
+  /// see that it is not run.
+  void NoteLostLine();
+
+  /// Tells the operator, once in each wait, what the monitor waits for.
+  void TellOfLongWait(const monitor::Awaited& awaited) const;
+
+  /// True while captures still have frames that the packet service would take.
+  [[nodiscard]] bool FramesPending() const;
+
+  /// Lets frames in that have come from outside.
+  void PollNetwork();
+
+  /// Ends the program when a signal asks for that and the state has to be saved first.
+  void EndWhenSignalled();
+
+  /// To be called before the monitor waits for input.
+  void BeforeWait();
+
+ private:
+  void OpenTrace(const std::string& path);
+  void OpenUart(const std::string& path);
+  void OpenConsole(bool keep_delete);
+  /// True for output that is no answer, and for what a plain line end has not.
+  [[nodiscard]] bool FilterOutput(char c);
+  /// Ends a plain answer's last line where the command leaves that to the prompt.
+  void EndAnswer();
+  [[nodiscard]] int StatusOfLines() const;
+  /// False when something could not be read or written.
+  [[nodiscard]] bool WriteAll();
+  [[nodiscard]] bool Save();
+
+  const Options& options_;
+  Progress progress_;
+  bool in_answer_line_ = false;  ///< Of a plain answer, a line has begun and not ended.
+  Descriptor script_;
+  chip::RouterChip chip_;
+  std::optional<PseudoTerminal> pseudo_terminal_;
+  std::optional<Trace> trace_;
+  std::ofstream uart_;
+  std::optional<Network> network_;
+  std::optional<RawTerminal> terminal_;
+  std::optional<StateFile> state_file_;
+  std::optional<EndSignals> end_signals_;
+};
+
+}  // namespace board

@@ -1,0 +1,54 @@
+#include <fcntl.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <exception>
+
+#include "console/console_port.h"
+#include "host/message.h"
+#include "shell/shell.h"
+#include "virtual_board/board.h"
+#include "virtual_board/options.h"
+
+namespace {
+
+constexpr int kExitUsage = 2;
+
+/// A standard descriptor that the caller has closed must not come to name a file that is opened
+/// later. What takes its place is an input that has ended, or an output that fails.
+void OccupyStandardDescriptors() {
+  for (int fd = 0; fd <= 2; ++fd) {
+    if (fcntl(fd, F_GETFD) < 0) open("/dev/null", O_RDONLY);
+  }
+}
+
+int Answer(const std::string& text) {
+  monitor::ConsoleSend(text.data(), text.size());
+  monitor::ConsoleFlush();
+  return EXIT_SUCCESS;
+}
+
+int Run(const board::Options& options) {
+  // Static, as the program may also end by an exit inside the monitor.
+  static board::Board the_board(options);
+  monitor::RunShell([](monitor::ShellEvent event) { the_board.Note(event); });
+  return the_board.Finish();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  OccupyStandardDescriptors();
+  // A file that may not grow is a write error like others.
+  std::signal(SIGXFSZ, SIG_IGN);
+  try {
+    const board::Options options = board::ParseOptions(argc, argv);
+    return options.answer ? Answer(*options.answer) : Run(options);
+  } catch (const board::UsageError& error) {
+    board::Report(error.what());
+    return kExitUsage;
+  } catch (const std::exception& error) {
+    board::Report(error.what());
+    return EXIT_FAILURE;
+  }
+}

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <termios.h>
+
+#include "host/signal_guard.h"
+
+namespace board {
+
+/// Keeps a terminal in the mode that the line editor wants, also when the program goes on after it
+/// was stopped, and restores it at its end, also when a signal ends the program: every key arrives
+/// at once and as it is, but for Enter, which arrives as a line feed; nothing is echoed and output
+/// goes out as it is. Throws std::system_error when the terminal refuses.
+class RawTerminal {
+ public:
+  explicit RawTerminal(int fd);
+  ~RawTerminal();
+  RawTerminal(const RawTerminal&) = delete;
+  RawTerminal& operator=(const RawTerminal&) = delete;
+
+ private:
+  static termios ModeOf(int fd);
+  static void GoOn(int signal);
+  void Restore() const;
+
+  static const RawTerminal* the_one_;  ///< For the signal that it goes on.
+
+  int fd_;
+  termios saved_;
+  termios mode_;
+  SignalGuard guard_;
+};
+
+}  // namespace board
