@@ -62,9 +62,9 @@ void RouterChip::State(StateArchive& archive) {
 
 std::vector<Engine*> RouterChip::Engines() {
   return {
-      &stat_counters.engine, &frames.transmit, &frames.status, &frames.release,
-      &nat.engine,           &l3.engine,       &mcast.engine,  &arp.engine,
-      &classifier.engine,    &pst.engine,      &pdr.engine,    &pxt.engine,
+      &stat_counters.engine, &frames.transmit, &frames.cpu.status, &frames.cpu.release,
+      &nat.engine,           &l3.engine,       &mcast.engine,      &arp.engine,
+      &classifier.engine,    &pst.engine,      &pdr.engine,        &pxt.engine,
   };
 }
 

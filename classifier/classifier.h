@@ -55,7 +55,7 @@ struct ClsRule {
   std::uint8_t dtag;  ///< Desired tag, 3 bits.
   std::uint8_t syn;   ///< 0 or 1; so are the other TCP flags.
   std::uint8_t fin;
-  std::uint8_t interfaces;  ///< Set of PortIds at which a frame arrives.
+  std::uint8_t interfaces;  ///< Set of port codes at which a frame arrives.
   std::uint8_t dclass;      ///< Class to assign, 2 bits.
   std::uint8_t dropHigh;    ///< Enforced drop precedence: 1 high, 0 low.
   std::uint8_t filter;

@@ -1,3 +1,4 @@
+// The words of a command line for ports.
 #pragma once
 
 #include "console/parse.h"
@@ -5,12 +6,15 @@
 
 namespace monitor {
 
+/// The word for a port; its value is the port's code.
+[[nodiscard]] constexpr Keyword PortWord(PortId port) { return {WordOf(port), CodeOf(port)}; }
+
 /// The words for all four ports, in order of code.
-inline constexpr std::array<Keyword, 4> kPortWords{
-    {{"WAN", kPortWan}, {"LAN", kPortLan}, {"DMZ", kPortDmz}, {"CPU", kPortCpu}}};
+inline constexpr std::array<Keyword, 4> kPortWords{PortWord(PortId::kWan), PortWord(PortId::kLan),
+                                                   PortWord(PortId::kDmz), PortWord(PortId::kCpu)};
 
 /// The words for the three ports with a MAC.
 inline constexpr std::array<Keyword, 3> kMacPortWords{
-    {{"WAN", kPortWan}, {"LAN", kPortLan}, {"DMZ", kPortDmz}}};
+    PortWord(PortId::kWan), PortWord(PortId::kLan), PortWord(PortId::kDmz)};
 
 }  // namespace monitor

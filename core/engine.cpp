@@ -1,6 +1,5 @@
 #include "core/engine.h"
 
-#include "core/irq_guard.h"
 namespace monitor {
 namespace {
 

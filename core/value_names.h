@@ -6,14 +6,14 @@
 
 namespace monitor {
 
-inline constexpr ValueName kPortNames[] = {
-    {kPortWan, "wan", "WAN"},
-    {kPortLan, "lan", "LAN"},
-    {kPortDmz, "dmz", "DMZ"},
-    {kPortCpu, "cpu", "CPU"},
-};
-inline constexpr ValueType kOnePort{ValueKind::kPort, kPortNames};
-inline constexpr ValueType kAnyPorts{ValueKind::kPortSet, kPortNames};
+[[nodiscard]] consteval ValueName NamedPort(PortId port) {
+  return {CodeOf(port), NameOf(port), WordOf(port)};
+}
+
+inline constexpr ValueName kPortCodeNames[] = {NamedPort(PortId::kWan), NamedPort(PortId::kLan),
+                                               NamedPort(PortId::kDmz), NamedPort(PortId::kCpu)};
+inline constexpr ValueType kOnePort{ValueKind::kPort, kPortCodeNames};
+inline constexpr ValueType kAnyPorts{ValueKind::kPortSet, kPortCodeNames};
 
 inline constexpr ValueName kDirectionNames[] = {{0, "read", "read"}, {1, "write", "write"}};
 

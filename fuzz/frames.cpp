@@ -50,13 +50,13 @@ class Story {
     BringUp();
     monitor::ReceiveMode = monitor::kReceiveAuto;
     while (monitor::PacketService()) continue;
-    if (chip_->frames.FreeBuffers() != all_free_) std::abort();
+    if (chip_->frames.pool.Free() != all_free_) std::abort();
   }
 
  private:
   void Step() {
     const std::uint8_t what = input_.Byte();
-    const auto port = static_cast<std::uint8_t>(what >> 3 & 3);
+    const auto port = static_cast<monitor::PortId>(what >> 3 & 3);
     switch (what & 7) {
       case 0:
         return Settings();
@@ -65,7 +65,7 @@ class Story {
       case 2:
         return Link(port);
       case 3:
-        (void)monitor::WriteIpAddr(port, input_.Half());
+        (void)monitor::WriteIpAddr(what >> 3 & 3, input_.Half());
         return;
       case 4:
         return Serve();
@@ -75,8 +75,9 @@ class Story {
   }
 
   void BringUp() {
-    for (unsigned port = 0; port < chip::kMacPorts; ++port) {
-      chip_->registers.Set(monitor::kMacControl[port], monitor::kMacLinkUp.Mask());
+    for (const monitor::PortId port : monitor::kMacPorts) {
+      chip_->registers.Set(monitor::kMacControl[monitor::IndexOf(port)],
+                           monitor::kMacLinkUp.Mask());
     }
     chip_->frames.SendQueued();
   }
@@ -92,9 +93,9 @@ class Story {
     faulty_ = true;
   }
 
-  void Link(unsigned port) {
-    if (port >= chip::kMacPorts) return;
-    chip_->registers.Set(monitor::kMacControl[port], input_.Byte());
+  void Link(monitor::PortId port) {
+    if (!monitor::IsMacPort(port)) return;
+    chip_->registers.Set(monitor::kMacControl[monitor::IndexOf(port)], input_.Byte());
     chip_->frames.SendQueued();
   }
 
@@ -106,7 +107,7 @@ class Story {
   }
 
   /// A frame of any length; what the input does not fill is zero.
-  void Arrive(unsigned port) {
+  void Arrive(monitor::PortId port) {
     const std::size_t length = input_.Half() % (kMostBytes);
     const auto head = input_.Bytes(input_.Byte());
     std::vector<std::uint8_t> frame(head.begin(), head.end());
@@ -116,7 +117,7 @@ class Story {
 
   fuzz::Input input_;
   std::unique_ptr<chip::RouterChip> chip_ = std::make_unique<chip::RouterChip>();
-  std::size_t all_free_ = chip_->frames.FreeBuffers();
+  std::size_t all_free_ = chip_->frames.pool.Free();
   bool faulty_ = false;
   unsigned faulty_passes_ = 0;
 };

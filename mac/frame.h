@@ -15,7 +15,7 @@ inline constexpr std::uint8_t kLastTransmitHandle = 15;
 
 /// A frame as the chip has received it, still in its buffer.
 struct ReceivedFrame {
-  std::uint8_t port;     ///< PortId of the receiving port.
+  std::uint8_t port;     ///< Code of the receiving port.
   std::uint32_t data;    ///< Data address.
   std::uint8_t reason;   ///< The chip's reason for handing it to the CPU, 0 to 31.
   std::uint16_t length;  ///< Bytes, 0 to 0x7FF.
@@ -31,7 +31,7 @@ DriverStatus WriteBufferBase(std::uint16_t base);
 /// Data address of a handle's frame.
 [[nodiscard]] std::uint32_t FrameDataAddress(std::uint16_t base, std::uint8_t handle);
 
-/// Sends the frame from its buffer to `port` (a PortId) in `service_class` 0 to 3, and returns
+/// Sends the frame from its buffer to `port` (a code) in `service_class` 0 to 3, and returns
 /// when the chip has queued it. kRefused, with nothing touched, for a bad class or port;
 /// kNotReady when the memory cannot be reached. The handle is not checked.
 [[nodiscard]] DriverStatus TransmitFrame(std::uint8_t port, std::uint8_t service_class, bool high,

@@ -26,7 +26,7 @@ extern std::uint16_t ArpAutoReply;
 /// access, while neither setting asks for it.
 bool PacketService();
 
-/// Turns the ARP request at data address `frame`, received on `port` (a PortId), into the reply
+/// Turns the ARP request at data address `frame`, received on `port` (a code), into the reply
 /// of the CPU's MAC address, in place. A request for another address than the port's is answered
 /// too, with its IP addresses where they were. kRefused, with the frame untouched, when it is no
 /// ARP request or the port has no IP address.

@@ -18,19 +18,9 @@ constexpr std::array<const char*, kStatCounters> NamesOf(
 }
 
 bool FindPort(std::uint8_t port, std::uint8_t& selector) {
-  switch (port) {
-    case kPortWan:
-      selector = kStatPort.Put(0);
-      return true;
-    case kPortLan:
-      selector = kStatPort.Put(1);
-      return true;
-    case kPortDmz:
-      selector = kStatPort.Put(2);
-      return true;
-    default:
-      return false;
-  }
+  if (!IsPort(port) || port == kPortCpu) return false;
+  selector = kStatPort.Put(StatSelectorOf(PortOfCode(port)));
+  return true;
 }
 
 void Select(std::uint8_t port_selector, unsigned group) {

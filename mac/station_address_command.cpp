@@ -5,7 +5,7 @@
 namespace monitor {
 namespace {
 
-constexpr std::array<Keyword, 2> kMacAddressWords{{{"CPU", kPortCpu}, {"WAN", kPortWan}}};
+constexpr std::array<Keyword, 2> kMacAddressWords{PortWord(PortId::kCpu), PortWord(PortId::kWan)};
 
 int ShowAll() {
   MacAddress cpu_mac{};

@@ -11,9 +11,6 @@ namespace {
 constexpr std::uint8_t kHighestMode = 1;
 constexpr std::uint8_t kHighestDrop = 15;
 
-/// Place of the port in runs of registers. `port` is the code of one port.
-unsigned PortPlace(std::uint8_t port) { return static_cast<unsigned>(std::countr_zero(port)); }
-
 /// The four registers of a queue.
 struct QueueRegisters {
   Reg8 low;
@@ -23,14 +20,14 @@ struct QueueRegisters {
 };
 
 QueueRegisters RegistersOf(std::uint8_t port, unsigned queue) {
-  const unsigned place = PortPlace(port) * kQosQueues + queue;
+  const unsigned place = IndexOf(PortOfCode(port)) * kQosQueues + queue;
   return {kQueueThresholds[2 * place], kQueueThresholds[2 * place + 1], kQueueDrop[place],
           kQueueCredit[place]};
 }
 
 /// The register that holds the port's mode, in the same two bits for every port.
 Reg8 ModeRegister(std::uint8_t port) {
-  return port == kPortCpu ? kInterfaceType : kMacControl[PortPlace(port)];
+  return port == kPortCpu ? kInterfaceType : kMacControl[IndexOf(PortOfCode(port))];
 }
 static_assert(kMacQosMode.Mask() == kCpuQosMode.Mask());
 

@@ -16,7 +16,7 @@ struct L3Route {
   std::uint32_t ip;
   std::uint8_t mask;  ///< Length, 0 to 32.
   std::uint32_t nextHop;
-  std::uint8_t port;    ///< A PortId.
+  std::uint8_t port;    ///< A port code.
   std::uint8_t direct;  ///< 0 or 1.
   std::uint8_t wanMac;  ///< 0 or 1.
   std::uint8_t pppoe;   ///< 1 PPPoE, 0 IPoE.

@@ -14,7 +14,7 @@ inline constexpr unsigned kMcastSlots = 64;
 /// One group. The address is a host integer, the first dotted part most significant.
 struct McastEntry {
   std::uint32_t ip;
-  std::uint8_t ports;  ///< A set of PortIds, possibly empty.
+  std::uint8_t ports;  ///< A set of port codes, possibly empty.
   std::uint8_t valid;  ///< 0 or 1; filled by reads.
 };
 

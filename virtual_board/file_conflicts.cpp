@@ -24,7 +24,7 @@ void Add(Roles& roles, const std::string& option, const std::string& path, bool 
 
 Roles RolesOf(const Options& options) {
   Roles roles;
-  for (unsigned port = 0; port < options.network.ports.size(); ++port) {
+  for (const monitor::PortId port : monitor::kMacPorts) {
     const CaptureNames names = CapturesOf(options.network.ports[port]);
     Add(roles, PortOption(port), names.in, false);
     Add(roles, PortOption(port), names.out, true);

@@ -92,7 +92,7 @@ void Describe(CLI::App& app, Options& options) {
       ->type_name("SPEC")
       ->check(CheckArgument, "")
       ->allow_extra_args(false);
-  for (unsigned port = 0; port < options.network.ports.size(); ++port) {
+  for (const monitor::PortId port : monitor::kMacPorts) {
     app.add_option(PortOption(port), options.network.ports[port],
                    "Connect the port: tap:NAME, pcap:[IN][,OUT], unix:PATH or none")
         ->type_name("X")
@@ -169,7 +169,7 @@ void CheckTogether(const Options& options) {
 
 }  // namespace
 
-std::string PortOption(unsigned port) { return std::string("--") + chip::kMacPortNames[port]; }
+std::string PortOption(monitor::PortId port) { return std::string("--") + monitor::NameOf(port); }
 
 Options ParseOptions(int argc, const char* const* argv) {
   Options options;

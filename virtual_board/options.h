@@ -31,8 +31,8 @@ struct Options {
   std::optional<std::string> answer;        ///< Text to print instead of a run.
 };
 
-/// The option that connects a port, "--wan" for 0.
-[[nodiscard]] std::string PortOption(unsigned port);
+/// The option that connects a port, such as "--wan".
+[[nodiscard]] std::string PortOption(monitor::PortId port);
 
 /// Reads the command line. Throws UsageError.
 [[nodiscard]] Options ParseOptions(int argc, const char* const* argv);

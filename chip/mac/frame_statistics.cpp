@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "chip/mac/frame_limits.h"
+
 namespace chip {
 namespace {
 
@@ -53,12 +55,12 @@ bool IsBroadcast(std::span<const std::uint8_t> frame) {
 
 }  // namespace
 
-void FrameStatistics::Count(unsigned port, unsigned counter, std::size_t amount) {
-  if (port >= kMacPorts) return;
+void FrameStatistics::Count(monitor::PortId port, unsigned counter, std::size_t amount) {
+  if (!monitor::IsMacPort(port)) return;
   counters_.Count(port, counter, static_cast<std::uint32_t>(amount));
 }
 
-void FrameStatistics::Received(unsigned port, std::span<const std::uint8_t> frame) {
+void FrameStatistics::Received(monitor::PortId port, std::span<const std::uint8_t> frame) {
   const std::size_t wire_length = frame.size() + kCheckSequence;
   Count(port, kTotalFramesReceived);
   Count(port, kTotalBytesReceived, wire_length);
@@ -76,13 +78,13 @@ void FrameStatistics::Received(unsigned port, std::span<const std::uint8_t> fram
   }
 }
 
-void FrameStatistics::Dropped(unsigned port) { Count(port, kDropped); }
+void FrameStatistics::Dropped(monitor::PortId port) { Count(port, kDropped); }
 
-void FrameStatistics::Sent(unsigned port, std::span<const std::uint8_t> frame) {
+void FrameStatistics::Sent(monitor::PortId port, std::span<const std::uint8_t> frame) {
   Count(port, kBytesSent, frame.size() + kCheckSequence);
   Count(port, IsGroup(frame) ? kNonUnicastSent : kUnicastSent);
 }
 
-void FrameStatistics::SendFailed(unsigned port) { Count(port, kSendFailed); }
+void FrameStatistics::SendFailed(monitor::PortId port) { Count(port, kSendFailed); }
 
 }  // namespace chip

@@ -1,7 +1,6 @@
 // What the frames of a port add to its statistic counters.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <span>
 
@@ -11,19 +10,16 @@ namespace chip {
 
 class FrameStatistics {
  public:
-  /// Frames longer than this, without their check sequence, are oversize.
-  static constexpr std::size_t kLongestFrame = 1524;
-
   explicit FrameStatistics(StatCounters& counters) : counters_(counters) {}
 
   // Each of these counts for MAC ports only.
-  void Received(unsigned port, std::span<const std::uint8_t> frame);
-  void Dropped(unsigned port);
-  void Sent(unsigned port, std::span<const std::uint8_t> frame);
-  void SendFailed(unsigned port);
+  void Received(monitor::PortId port, std::span<const std::uint8_t> frame);
+  void Dropped(monitor::PortId port);
+  void Sent(monitor::PortId port, std::span<const std::uint8_t> frame);
+  void SendFailed(monitor::PortId port);
 
  private:
-  void Count(unsigned port, unsigned counter, std::size_t amount = 1);
+  void Count(monitor::PortId port, unsigned counter, std::size_t amount = 1);
 
   StatCounters& counters_;
 };

@@ -36,18 +36,19 @@ void StatCounters::Reset() {
   engine.Reset();
 }
 
-void StatCounters::Count(unsigned port, unsigned counter, std::uint32_t amount) {
+void StatCounters::Count(PortId port, unsigned counter, std::uint32_t amount) {
   const std::uint64_t most = Most(counter);
-  const std::uint64_t sum = std::uint64_t{counters[port][counter]} + amount;
-  counters[port][counter] = static_cast<std::uint32_t>(sum & most);
+  std::uint32_t& count = counters[port][counter];
+  const std::uint64_t sum = std::uint64_t{count} + amount;
+  count = static_cast<std::uint32_t>(sum & most);
   if (sum > most) overflow[port] |= std::uint32_t{1} << counter;
 }
 
 bool StatCounters::Run(bool write) {
   const std::uint8_t selector = registers_.Get(kStatSelector);
-  const unsigned port = kStatPort.Get(selector);
+  const PortId port = PortOfStatSelector(kStatPort.Get(selector));
   const unsigned group = kStatGroup.Get(selector);
-  if (port >= kMacPorts) {
+  if (!IsMacPort(port)) {
     registers_.Complain("sc step on a port that is not there");
   } else if (write) {
     ApplyWindow(port, group);
@@ -57,7 +58,7 @@ bool StatCounters::Run(bool write) {
   return true;
 }
 
-void StatCounters::LoadWindow(unsigned port, unsigned group) {
+void StatCounters::LoadWindow(PortId port, unsigned group) {
   std::uint32_t word_a = 0;
   std::uint32_t word_b = 0;
   for (unsigned i = 0; i < kCounters; ++i) {
@@ -71,7 +72,7 @@ void StatCounters::LoadWindow(unsigned port, unsigned group) {
   registers_.Set(kStatOverflow, overflow[port]);
 }
 
-void StatCounters::ApplyWindow(unsigned port, unsigned group) {
+void StatCounters::ApplyWindow(PortId port, unsigned group) {
   for (unsigned i = 0; i < kCounters; ++i) {
     const StatCounterRow& row = kStatCounterRows[i];
     const bool in_a = row.word == StatWord::kA;
@@ -82,8 +83,8 @@ void StatCounters::ApplyWindow(unsigned port, unsigned group) {
 }
 
 void StatCounters::State(StateArchive& archive) {
-  for (unsigned port = 0; port < kMacPorts; ++port) {
-    archive.Group(kMacPortNames[port], [&] { PortState(archive, port); });
+  for (const PortId port : kMacPorts) {
+    archive.Group(NameOf(port), [&] { PortState(archive, port); });
   }
   archive.Group("stored_since_start", [&] {
     archive.Flag("word_a", stored_.word_a);
@@ -93,7 +94,7 @@ void StatCounters::State(StateArchive& archive) {
   engine.State(archive);
 }
 
-void StatCounters::PortState(StateArchive& archive, unsigned port) {
+void StatCounters::PortState(StateArchive& archive, PortId port) {
   for (unsigned i = 0; i < kCounters; ++i) {
     std::uint32_t& counter = counters[port][i];
     const StatCounterRow& row = kStatCounterRows[i];

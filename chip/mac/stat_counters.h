@@ -5,7 +5,7 @@
 #include <array>
 
 #include "chip/engine.h"
-#include "chip/mac/mac_ports.h"
+#include "chip/per_mac_port.h"
 
 namespace chip {
 
@@ -20,12 +20,12 @@ class StatCounters {
   void Reset();
   void State(StateArchive& archive);
 
-  /// Adds `amount` to a counter of a port below kMacPorts. A counter that passes the end of its
+  /// Adds `amount` to a counter of a port with a MAC. A counter that passes the end of its
   /// width starts again at 0 and raises its overflow bit.
-  void Count(unsigned port, unsigned counter, std::uint32_t amount);
+  void Count(monitor::PortId port, unsigned counter, std::uint32_t amount);
 
-  std::array<std::array<std::uint32_t, kCounters>, kMacPorts> counters{};
-  std::array<std::uint32_t, kMacPorts> overflow{};  ///< Bit i belongs to counter i.
+  PerMacPort<std::array<std::uint32_t, kCounters>> counters{};
+  PerMacPort<std::uint32_t> overflow{};  ///< Bit i belongs to counter i.
   Engine engine;
 
  private:
@@ -36,10 +36,10 @@ class StatCounters {
     bool overflow = false;
   };
 
-  void PortState(StateArchive& archive, unsigned port);
+  void PortState(StateArchive& archive, monitor::PortId port);
   bool Run(bool write);
-  void LoadWindow(unsigned port, unsigned group);
-  void ApplyWindow(unsigned port, unsigned group);
+  void LoadWindow(monitor::PortId port, unsigned group);
+  void ApplyWindow(monitor::PortId port, unsigned group);
 
   RegisterFile& registers_;
   Stored stored_;

@@ -1,6 +1,5 @@
 #include "chip/system/mii.h"
 
-#include "core/port_id.h"
 #include "system/mii_registers.h"
 
 namespace chip {
@@ -37,21 +36,13 @@ void MiiInterface::Reset() {
 }
 
 Phy* MiiInterface::FindPhy(unsigned address) {
-  switch (address) {
-    case kPortWan:
-      return &phys_[0];
-    case kPortLan:
-      return &phys_[1];
-    case kPortDmz:
-      return &phys_[2];
-    default:
-      return nullptr;
+  for (const PortId port : kMacPorts) {
+    if (PhyAddressOf(port) == address) return &phys_[port];
   }
+  return nullptr;
 }
 
-void MiiInterface::SetLink(std::uint8_t port, bool up) {
-  if (Phy* const phy = FindPhy(port)) phy->SetLink(up);
-}
+void MiiInterface::SetLink(PortId port, bool up) { phys_[port].SetLink(up); }
 
 void MiiInterface::BeforeLoad() {
   if (loads_left_ != 0 && fault_.kind != Fault::Kind::kHang && --loads_left_ == 0) Complete();
@@ -87,10 +78,8 @@ void MiiInterface::Publish() {
 }
 
 void MiiInterface::State(StateArchive& archive) {
-  auto phy = phys_.begin();
-  for (const char* const name : {"phy_wan", "phy_lan", "phy_dmz"}) {
-    archive.Group(name, [&] { phy->State(archive); });
-    ++phy;
+  for (const PortId port : kMacPorts) {
+    archive.Group(std::string("phy_") + NameOf(port), [&] { phys_[port].State(archive); });
   }
   archive.Hex("started", started_);
   archive.Count("loads_left", loads_left_);

@@ -1,9 +1,8 @@
 // The MII management interface of the model, with a PHY for each external port.
 #pragma once
 
-#include <array>
-
 #include "chip/engine.h"
+#include "chip/per_mac_port.h"
 #include "chip/system/phy.h"
 
 namespace chip {
@@ -21,11 +20,11 @@ class MiiInterface {
   /// nothing.
   void SetFault(Fault fault) { fault_ = fault; }
 
-  /// The PHY at that address (the code of its port: 1, 2 or 4); null when there is none.
+  /// The PHY at that address; null when there is none.
   [[nodiscard]] Phy* FindPhy(unsigned address);
 
-  /// Attaches a partner to the port of that code, or takes it away.
-  void SetLink(std::uint8_t port, bool up);
+  /// Attaches a partner to a port with a MAC, or takes it away.
+  void SetLink(monitor::PortId port, bool up);
 
  private:
   void BeforeLoad();
@@ -34,7 +33,7 @@ class MiiInterface {
   void Publish();
 
   RegisterFile& registers_;
-  std::array<Phy, 3> phys_;
+  PerMacPort<Phy> phys_;
   Fault fault_;
   std::uint16_t started_ = 0;  ///< The command of the running access.
   unsigned loads_left_ = 0;    ///< Status loads until the running access is over; 0 when idle.

@@ -10,6 +10,7 @@
 #include <cstring>
 #include <ctime>
 
+#include "chip/mac/frame_limits.h"
 #include "host/broken_pipe.h"
 #include "host/descriptor.h"
 #include "host/message.h"
@@ -17,9 +18,6 @@
 
 namespace board {
 namespace {
-
-/// What fits a frame buffer of the chip behind its header.
-constexpr unsigned kLongestFrame = 2016;
 
 constexpr long kNanosecondsPerSecond = 1'000'000'000;
 constexpr std::int64_t kMostSeconds = 1LL << 33;
@@ -122,7 +120,7 @@ class CapturePort : public Port {
 
   void OpenOutput(const std::string& out) {
     out_name_ = out;
-    output_.reset(pcap_open_dead_with_tstamp_precision(DLT_EN10MB, kLongestFrame,
+    output_.reset(pcap_open_dead_with_tstamp_precision(DLT_EN10MB, chip::kLongestBufferedFrame,
                                                        PCAP_TSTAMP_PRECISION_NANO));
     File file = OpenFile(out, "wbe", out_buffer_);
     struct stat about {};
@@ -143,7 +141,9 @@ class CapturePort : public Port {
     const int result = pcap_next_ex(input_.get(), &header, &data);
     if (result == PCAP_ERROR_BREAK) return Close();
     if (result != 1) return Fail(pcap_geterr(input_.get()));
-    if (header->caplen > kLongestFrame) return Fail("longer than 2016 bytes");
+    if (header->caplen > chip::kLongestBufferedFrame) {
+      return Fail("longer than " + std::to_string(chip::kLongestBufferedFrame) + " bytes");
+    }
     if (header->caplen < header->len) return Fail("not captured whole");
     next_ = Frame(data, header->caplen);
     pending_ = true;

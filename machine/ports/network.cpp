@@ -7,6 +7,9 @@
 #include "mac/port_config_registers.h"
 
 namespace board {
+
+using monitor::PortId;
+
 namespace {
 
 /// What a boot loader would have made of a port with something connected: up, 100 Mbit/s, full
@@ -14,8 +17,11 @@ namespace {
 constexpr std::uint8_t kPortUp =
     monitor::kMacLinkUp.Mask() | monitor::kMacSpeed100.Mask() | monitor::kMacFullDuplex.Mask();
 
-const std::vector<std::string> kInterfaceNames{chip::kMacPortNames.begin(),
-                                               chip::kMacPortNames.end()};
+std::vector<std::string> InterfaceNames() {
+  std::vector<std::string> names;
+  for (const PortId port : monitor::kMacPorts) names.emplace_back(monitor::NameOf(port));
+  return names;
+}
 
 /// Most frames that one port brings in one poll, so that none starves the others.
 constexpr unsigned kFramesPerPoll = 64;
@@ -32,14 +38,15 @@ constexpr std::size_t kBuffersLeftFree = 64;
 
 Network::Network(chip::RouterChip& chip, const NetworkSetup& setup)
     : chip_(chip), watch_(epoll_create1(EPOLL_CLOEXEC)) {
-  if (!setup.capture.empty()) capture_.emplace(setup.capture, kInterfaceNames);
-  for (unsigned port = 0; port < ports_.size(); ++port) {
+  if (!setup.capture.empty()) capture_.emplace(setup.capture, InterfaceNames());
+  for (const PortId port : monitor::kMacPorts) {
     ports_[port] = OpenPort(setup.ports[port], setup.options);
     if (!ports_[port]) continue;
-    if (!setup.keep_settings) chip_.registers.Set(monitor::kMacControl[port], kPortUp);
+    if (!setup.keep_settings)
+      chip_.registers.Set(monitor::kMacControl[monitor::IndexOf(port)], kPortUp);
     UpdateLink(port);
   }
-  chip_.frames.on_transmit = [this](unsigned port, std::span<const std::uint8_t> frame) {
+  chip_.frames.on_transmit = [this](PortId port, std::span<const std::uint8_t> frame) {
     Send(port, frame);
   };
   chip_.interrupts.before_status = [this] { PollWhenDue(); };
@@ -47,7 +54,7 @@ Network::Network(chip::RouterChip& chip, const NetworkSetup& setup)
 
 void Network::PollWhenDue() {
   // While the monitor works off what has come, looking for more can wait a little.
-  if (chip_.frames.Waiting() && ++looks_ < kLooksBetweenPolls) return;
+  if (chip_.frames.cpu.Waiting() && ++looks_ < kLooksBetweenPolls) return;
   looks_ = 0;
   // Captures without timing have no descriptor that would have ended the wait.
   if (std::exchange(waited_, false) && !Pending()) return;
@@ -55,28 +62,29 @@ void Network::PollWhenDue() {
 }
 
 void Network::Poll() {
-  for (unsigned port = 0; port < ports_.size(); ++port) {
+  for (const PortId port : monitor::kMacPorts) {
     if (!ports_[port]) continue;
     Take(port);
     UpdateLink(port);
   }
 }
 
-void Network::Take(unsigned port) {
+void Network::Take(PortId port) {
   const bool waits = ports_[port]->Waits();
   for (unsigned i = 0; i < kFramesPerPoll; ++i) {
-    if (waits && (!chip_.frames.LinkUp(port) || chip_.frames.FreeBuffers() <= kBuffersLeftFree)) {
+    if (waits &&
+        (!chip_.frames.ports[port].LinkUp() || chip_.frames.pool.Free() <= kBuffersLeftFree)) {
       return;
     }
     const std::optional<Frame> frame = ports_[port]->Receive();
     if (!frame) return;
-    if (capture_) capture_->Record(port, Direction::kInbound, *frame);
+    if (capture_) capture_->Record(monitor::IndexOf(port), Direction::kInbound, *frame);
     chip_.frames.Receive(port, *frame);
   }
 }
 
-void Network::Send(unsigned port, std::span<const std::uint8_t> frame) {
-  if (capture_) capture_->Record(port, Direction::kOutbound, frame);
+void Network::Send(PortId port, std::span<const std::uint8_t> frame) {
+  if (capture_) capture_->Record(monitor::IndexOf(port), Direction::kOutbound, frame);
   if (!ports_[port]) return;
   ports_[port]->Send(frame);
   // What was closed leaves the set before its number comes to mean something else.
@@ -89,8 +97,8 @@ void Network::Flush() {
   }
 }
 
-void Network::UpdateLink(unsigned port) {
-  chip_.mii.SetLink(static_cast<std::uint8_t>(1U << port), ports_[port]->LinkUp());
+void Network::UpdateLink(PortId port) {
+  chip_.mii.SetLink(port, ports_[port]->LinkUp());
   const int fd = ports_[port]->WatchedFd();
   if (fd == watched_[port]) return;
   // One that was closed has left the set by itself.
@@ -106,9 +114,9 @@ void Network::Watch(int fd) {
 }
 
 bool Network::Pending() const {
-  if (chip_.frames.Waiting()) return true;
-  for (unsigned port = 0; port < ports_.size(); ++port) {
-    if (ports_[port] && ports_[port]->Pending() && chip_.frames.LinkUp(port)) return true;
+  if (chip_.frames.cpu.Waiting()) return true;
+  for (const PortId port : monitor::kMacPorts) {
+    if (ports_[port] && ports_[port]->Pending() && chip_.frames.ports[port].LinkUp()) return true;
   }
   return false;
 }

@@ -1,7 +1,6 @@
 // What lies around the chip: the far ends of its three ports, joined to the frame engine.
 #pragma once
 
-#include <array>
 #include <memory>
 #include <optional>
 #include <string>
@@ -15,7 +14,7 @@ namespace board {
 
 /// What the options ask for.
 struct NetworkSetup {
-  std::array<std::string, 3> ports{"none", "none", "none"};  ///< WAN, LAN, DMZ.
+  chip::PerMacPort<std::string> ports{{"none", "none", "none"}};
   PortOptions options;
   std::string capture;         ///< File that records every port; empty for none.
   bool keep_settings = false;  ///< The chip's ports have been set, so a boot loader sets nothing.
@@ -54,14 +53,14 @@ class Network {
 
  private:
   void PollWhenDue();
-  void Take(unsigned port);
-  void Send(unsigned port, std::span<const std::uint8_t> frame);
+  void Take(monitor::PortId port);
+  void Send(monitor::PortId port, std::span<const std::uint8_t> frame);
   /// Tells the chip and the watch set what has become of the port.
-  void UpdateLink(unsigned port);
+  void UpdateLink(monitor::PortId port);
 
   chip::RouterChip& chip_;
-  std::array<std::unique_ptr<Port>, 3> ports_;
-  std::array<int, 3> watched_{-1, -1, -1};
+  chip::PerMacPort<std::unique_ptr<Port>> ports_;
+  chip::PerMacPort<int> watched_{{-1, -1, -1}};
   std::optional<CaptureFile> capture_;
   Descriptor watch_;
   unsigned looks_ = 0;

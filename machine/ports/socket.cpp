@@ -8,14 +8,13 @@
 #include <cerrno>
 #include <cstring>
 
+#include "chip/mac/frame_limits.h"
 #include "host/descriptor.h"
 #include "host/signal_guard.h"
 #include "machine/ports/port.h"
 
 namespace board {
 namespace {
-
-constexpr std::size_t kLongestRead = 4096;
 
 class SocketPort : public Port {
  public:
@@ -76,7 +75,7 @@ class SocketPort : public Port {
   struct stat made_ {};  ///< What was made under the path.
   Descriptor listener_;
   Descriptor peer_;
-  std::array<std::uint8_t, kLongestRead> buffer_{};
+  std::array<std::uint8_t, chip::kLongestRead> buffer_{};
   SignalGuard guard_;
 };
 

@@ -8,15 +8,13 @@
 #include <cerrno>
 #include <cstring>
 
+#include "chip/mac/frame_limits.h"
 #include "host/descriptor.h"
 #include "host/message.h"
 #include "machine/ports/port.h"
 
 namespace board {
 namespace {
-
-/// Larger than any frame that the chip's buffers hold.
-constexpr std::size_t kLongestRead = 4096;
 
 std::string Reason(int error) {
   if (error == EPERM || error == EACCES) {
@@ -85,7 +83,7 @@ class TapPort : public Port {
 
   std::string name_;
   Descriptor device_;
-  std::array<std::uint8_t, kLongestRead> buffer_{};
+  std::array<std::uint8_t, chip::kLongestRead> buffer_{};
 };
 
 }  // namespace

@@ -279,11 +279,5 @@ TEST(Keywords, OtherWordsLeaveTheValueAlone) {
   EXPECT_EQ(value, 0xA5);
 }
 
-TEST(Ports, AreExactlyOneBit) {
-  for (unsigned code = 0; code < 256; ++code) {
-    EXPECT_EQ(IsPort(code), code == 1 || code == 2 || code == 4 || code == 8) << code;
-  }
-}
-
 }  // namespace
 }  // namespace monitor

@@ -54,13 +54,13 @@ class Random {
 struct Board {
   explicit Board(std::uint64_t begin) : now(begin) {
     chip.clock = [this] { return now; };
-    chip.frames.on_transmit = [this](unsigned port, std::span<const std::uint8_t> frame) {
+    chip.frames.on_transmit = [this](monitor::PortId port, std::span<const std::uint8_t> frame) {
       sent.emplace_back(port, frame.size());
     };
   }
 
   std::uint64_t now;
-  std::vector<std::pair<unsigned, std::size_t>> sent;
+  std::vector<std::pair<monitor::PortId, std::size_t>> sent;
   chip::RouterChip chip;
 };
 
@@ -123,7 +123,7 @@ class Twins : public testing::Test {
       case 0: {
         const std::vector<std::uint8_t> frame(random.Below(1600),
                                               static_cast<std::uint8_t>(random.Below(256)));
-        const unsigned port = random.Below(4);
+        const auto port = static_cast<monitor::PortId>(random.Below(4));
         return Both([&](Board& board) { board.chip.frames.Receive(port, frame); });
       }
       case 1: {
@@ -135,7 +135,7 @@ class Twins : public testing::Test {
         return Both([&](Board& board) { board.chip.uart.Receive(byte); });
       }
       case 3: {
-        const auto port = static_cast<std::uint8_t>(1U << random.Below(3));
+        const auto port = static_cast<monitor::PortId>(random.Below(3));
         const bool up = random.OneIn(2);
         return Both([&](Board& board) { board.chip.mii.SetLink(port, up); });
       }
@@ -214,7 +214,7 @@ class Twins : public testing::Test {
                              second->chip.frames.memory.Frame(handle, 2048).begin()));
     }
     ASSERT_EQ(first.sent, second->sent);
-    ASSERT_EQ(first.chip.frames.FreeBuffers(), second->chip.frames.FreeBuffers());
+    ASSERT_EQ(first.chip.frames.pool.Free(), second->chip.frames.pool.Free());
     ASSERT_EQ(board::StateText(first.chip), board::StateText(second->chip));
   }
 

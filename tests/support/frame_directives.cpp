@@ -1,12 +1,9 @@
 #include "support/frame_directives.h"
 
 #include <algorithm>
-#include <array>
 #include <iomanip>
 
 namespace {
-
-constexpr std::array<const char*, 3> kPortNames{"wan", "lan", "dmz"};
 
 std::uint8_t ParseByte(const std::string& digits) {
   std::size_t used = 0;
@@ -29,13 +26,13 @@ std::vector<std::uint8_t> TakeBytes(Words& words) {
 }
 
 bool Arrive(SessionState& state, Words& words) {
-  const unsigned port = TakePort(words);
+  const monitor::PortId port = TakePort(words);
   return state.chip.frames.Receive(port, TakeBytes(words));
 }
 
 std::string Describe(const SentFrame& frame) {
   std::ostringstream text;
-  text << kPortNames.at(frame.port) << std::hex << std::setfill('0');
+  text << monitor::NameOf(frame.port) << std::hex << std::setfill('0');
   for (const unsigned byte : frame.bytes) text << ' ' << std::setw(2) << byte;
   return text.str();
 }

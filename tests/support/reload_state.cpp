@@ -11,8 +11,7 @@ namespace {
 void SwitchOff(chip::RouterChip& chip) {
   chip.Reset();
   chip.gpio.SetInputs(0);
-  for (const std::uint8_t port : std::array<std::uint8_t, 3>{1, 2, 4})
-    chip.mii.SetLink(port, false);
+  for (const monitor::PortId port : monitor::kMacPorts) chip.mii.SetLink(port, false);
   monitor::ReceiveMode = monitor::kReceiveManual;
   monitor::ArpAutoReply = 0;
   monitor::TransmitCursor = 1;

@@ -8,9 +8,9 @@
 
 #include "chip/router_chip.h"
 
-/// A frame that has left a port: 0 WAN, 1 LAN, 2 DMZ.
+/// A frame that has left a port.
 struct SentFrame {
-  unsigned port;
+  monitor::PortId port;
   std::vector<std::uint8_t> bytes;
 };
 
@@ -19,7 +19,7 @@ struct SessionState {
   SessionState() {
     chip.clock = [this] { return now; };
     chip.uart.on_transmit = [this](std::uint8_t byte) { uart_output.push_back(byte); };
-    chip.frames.on_transmit = [this](unsigned port, std::span<const std::uint8_t> frame) {
+    chip.frames.on_transmit = [this](monitor::PortId port, std::span<const std::uint8_t> frame) {
       sent.push_back({port, {frame.begin(), frame.end()}});
     };
   }

@@ -102,13 +102,11 @@ void CheckUartOutput(SessionState& state, Words& words) {
   throw SessionError(text.str());
 }
 
-/// Position of an external port: WAN, LAN, DMZ.
-
 void SetLink(SessionState& state, Words& words) {
-  const unsigned port = TakePort(words);
+  const monitor::PortId port = TakePort(words);
   const std::string link = TakeWord(words);
   if (link != "up" && link != "down") throw SessionError("a link is up or down, not " + link);
-  state.chip.mii.SetLink(static_cast<std::uint8_t>(1U << port), link == "up");
+  state.chip.mii.SetLink(port, link == "up");
 }
 
 void SetPhy(SessionState& state, Words& words) {

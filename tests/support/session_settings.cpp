@@ -61,7 +61,7 @@ void SetClassifier(SessionState& state, Words& words) {
 }
 
 void SetStatCounters(SessionState& state, Words& words) {
-  const unsigned port = TakePort(words);
+  const monitor::PortId port = TakePort(words);
   std::string name = TakeWord(words);
   if (name == "overflow") {
     state.chip.stat_counters.overflow[port] = TakeHex(words);

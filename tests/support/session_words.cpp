@@ -16,8 +16,10 @@ std::string TakeWord(Words& words) {
   return word;
 }
 
-unsigned TakePort(Words& words) {
-  static const std::map<std::string, unsigned> kPorts{{"wan", 0}, {"lan", 1}, {"dmz", 2}};
+monitor::PortId TakePort(Words& words) {
+  using monitor::PortId;
+  static const std::map<std::string, PortId> kPorts{
+      {"wan", PortId::kWan}, {"lan", PortId::kLan}, {"dmz", PortId::kDmz}};
   const std::string name = TakeWord(words);
   const auto found = kPorts.find(name);
   if (found == kPorts.end()) throw SessionError("no port named " + name);

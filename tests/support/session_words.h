@@ -15,8 +15,8 @@ std::uint32_t TakeHex(Words& words);
 /// The next word. Throws SessionError when there is none.
 std::string TakeWord(Words& words);
 
-/// The next word as a port with a MAC: 0 WAN, 1 LAN, 2 DMZ.
-unsigned TakePort(Words& words);
+/// The next word, "wan", "lan" or "dmz", as a port.
+monitor::PortId TakePort(Words& words);
 
 /// "@set BLOCK ...": changes a block's state beside the bus.
 void ApplySetting(SessionState& state, Words& words);

@@ -8,6 +8,10 @@ namespace {
 
 class StatCounterModel : public testing::Test {
  protected:
+  static constexpr auto kWan = monitor::PortId::kWan;
+  static constexpr auto kLan = monitor::PortId::kLan;
+  static constexpr auto kDmz = monitor::PortId::kDmz;
+
   void TearDown() override { EXPECT_TRUE(chip_.registers.Complaints().empty()); }
 
   void Store8(std::uint32_t offset, std::uint8_t value) { chip_.registers.Store(offset, 1, value); }
@@ -33,7 +37,7 @@ class StatCounterModel : public testing::Test {
   void WriteStep() { Run(0x0D); }
 
   /// Gives counter i of a port the value i + 1.
-  void Fill(unsigned port) {
+  void Fill(monitor::PortId port) {
     for (unsigned i = 0; i < 28; ++i) counters()[port][i] = i + 1;
   }
 
@@ -53,7 +57,7 @@ TEST_F(StatCounterModel, IsReadyAndEmptyAtPowerOn) {
 }
 
 TEST_F(StatCounterModel, AReadPacksTheGroupIntoItsTwoWords) {
-  Fill(1);
+  Fill(kLan);
   constexpr std::uint32_t kWords[8][2] = {
       {0x00000001, 0x03000002}, {0x00050004, 0x00000006}, {0x00000007, 0x00000008},
       {0x0A000009, 0x000C000B}, {0x0E00000D, 0x1000000F}, {0x00120011, 0x00140013},
@@ -67,9 +71,9 @@ TEST_F(StatCounterModel, AReadPacksTheGroupIntoItsTwoWords) {
 }
 
 TEST_F(StatCounterModel, PortsAreApart) {
-  counters()[0][0] = 1;
-  counters()[1][0] = 2;
-  counters()[2][0] = 3;
+  counters()[kWan][0] = 1;
+  counters()[kLan][0] = 2;
+  counters()[kDmz][0] = 3;
   overflow() = {4, 5, 6};
   ReadStep(0x00);
   EXPECT_EQ(Load32(0x858), 1U);
@@ -83,69 +87,69 @@ TEST_F(StatCounterModel, PortsAreApart) {
 }
 
 TEST_F(StatCounterModel, AWriteGivesTheGroupTheStoredWordsAndNothingElse) {
-  Fill(0);
-  Fill(2);
+  Fill(kWan);
+  Fill(kDmz);
   overflow() = {0xFF, 0xFF, 0xFF};
   Store8(0x85D, 0x13);
   Store32(0x854, 0x55667788);
   Store32(0x858, 0x11223344);
   WriteStep();
-  EXPECT_EQ(counters()[2][8], 0x223344U);
-  EXPECT_EQ(counters()[2][9], 0x11U);
-  EXPECT_EQ(counters()[2][10], 0x7788U);
-  EXPECT_EQ(counters()[2][11], 0x5566U);
-  EXPECT_EQ(counters()[2][7], 8U);
-  EXPECT_EQ(counters()[2][12], 13U);
-  EXPECT_EQ(counters()[0][8], 9U);
+  EXPECT_EQ(counters()[kDmz][8], 0x223344U);
+  EXPECT_EQ(counters()[kDmz][9], 0x11U);
+  EXPECT_EQ(counters()[kDmz][10], 0x7788U);
+  EXPECT_EQ(counters()[kDmz][11], 0x5566U);
+  EXPECT_EQ(counters()[kDmz][7], 8U);
+  EXPECT_EQ(counters()[kDmz][12], 13U);
+  EXPECT_EQ(counters()[kWan][8], 9U);
   EXPECT_EQ(overflow(), (std::array<std::uint32_t, 3>{0xFF, 0xFF, 0xFF}));
 }
 
 TEST_F(StatCounterModel, AWordThatWasNotStoredIsNotWritten) {
-  Fill(0);
+  Fill(kWan);
   Store8(0x85D, 0x00);
   Store32(0x854, 0);
   WriteStep();
-  EXPECT_EQ(counters()[0][0], 1U);
-  EXPECT_EQ(counters()[0][1], 0U);
-  EXPECT_EQ(counters()[0][2], 0U);
+  EXPECT_EQ(counters()[kWan][0], 1U);
+  EXPECT_EQ(counters()[kWan][1], 0U);
+  EXPECT_EQ(counters()[kWan][2], 0U);
 }
 
 TEST_F(StatCounterModel, AnOverflowClearTakesAwayTheOnesAndWritesNoCounter) {
-  Fill(1);
+  Fill(kLan);
   overflow() = {0x0FFFFFFF, 0x0FFFFFFF, 0};
   ReadStep(0x0B);  // leaves another group in the data words
   Store8(0x85D, 0x08);
   Store32(0x850, 0x04000001);
   WriteStep();
   EXPECT_EQ(overflow(), (std::array<std::uint32_t, 3>{0x0FFFFFFF, 0x0BFFFFFE, 0}));
-  EXPECT_EQ(counters()[1][0], 1U);
+  EXPECT_EQ(counters()[kLan][0], 1U);
   ReadStep(0x08);
   EXPECT_EQ(Load32(0x850), 0x0BFFFFFEU);
 }
 
 TEST_F(StatCounterModel, CountersWrapAtTheirWidthAndRaiseTheirOverflowBit) {
   auto& sc = chip_.stat_counters;
-  sc.Count(0, 0, 0xFFFFFFFF);
-  sc.Count(0, 1, 0x00FFFFFF);
-  sc.Count(0, 26, 0xFFFF);
-  sc.Count(0, 27, 0xFF);
-  EXPECT_EQ(overflow()[0], 0U);
-  sc.Count(0, 0, 1);
-  EXPECT_EQ(counters()[0][0], 0U);
-  EXPECT_EQ(overflow()[0], 0x00000001U);
-  sc.Count(0, 1, 2);
-  EXPECT_EQ(counters()[0][1], 1U);
-  EXPECT_EQ(overflow()[0], 0x00000003U);
-  sc.Count(0, 26, 3);
-  EXPECT_EQ(counters()[0][26], 2U);
-  EXPECT_EQ(overflow()[0], 0x04000003U);
-  sc.Count(0, 27, 0x101);
-  EXPECT_EQ(counters()[0][27], 0U);
-  EXPECT_EQ(overflow()[0], 0x0C000003U);
-  sc.Count(0, 27, 1);
-  EXPECT_EQ(counters()[0][27], 1U);
-  EXPECT_EQ(overflow()[0], 0x0C000003U);
-  EXPECT_EQ(overflow()[1], 0U);
+  sc.Count(kWan, 0, 0xFFFFFFFF);
+  sc.Count(kWan, 1, 0x00FFFFFF);
+  sc.Count(kWan, 26, 0xFFFF);
+  sc.Count(kWan, 27, 0xFF);
+  EXPECT_EQ(overflow()[kWan], 0U);
+  sc.Count(kWan, 0, 1);
+  EXPECT_EQ(counters()[kWan][0], 0U);
+  EXPECT_EQ(overflow()[kWan], 0x00000001U);
+  sc.Count(kWan, 1, 2);
+  EXPECT_EQ(counters()[kWan][1], 1U);
+  EXPECT_EQ(overflow()[kWan], 0x00000003U);
+  sc.Count(kWan, 26, 3);
+  EXPECT_EQ(counters()[kWan][26], 2U);
+  EXPECT_EQ(overflow()[kWan], 0x04000003U);
+  sc.Count(kWan, 27, 0x101);
+  EXPECT_EQ(counters()[kWan][27], 0U);
+  EXPECT_EQ(overflow()[kWan], 0x0C000003U);
+  sc.Count(kWan, 27, 1);
+  EXPECT_EQ(counters()[kWan][27], 1U);
+  EXPECT_EQ(overflow()[kWan], 0x0C000003U);
+  EXPECT_EQ(overflow()[kLan], 0U);
 }
 
 TEST_F(StatCounterModel, APortThatIsNotThereIsComplainedAbout) {
@@ -166,16 +170,16 @@ TEST_F(StatCounterModel, AFailedStepForgetsWhatWasStored) {
   WriteStep();
   chip_.stat_counters.engine.SetFault({});
   WriteStep();
-  EXPECT_EQ(counters()[0][0], 0U);
+  EXPECT_EQ(counters()[kWan][0], 0U);
 }
 
 TEST_F(StatCounterModel, ResetClearsCountersAndOverflow) {
-  Fill(2);
-  overflow()[2] = 1;
+  Fill(kDmz);
+  overflow()[kDmz] = 1;
   Store32(0x854, 0x12345678);
   chip_.Reset();
-  EXPECT_EQ(counters()[2][27], 0U);
-  EXPECT_EQ(overflow()[2], 0U);
+  EXPECT_EQ(counters()[kDmz][27], 0U);
+  EXPECT_EQ(overflow()[kDmz], 0U);
   EXPECT_EQ(Load8(0x85C), 0x03);
   EXPECT_EQ(Load32(0x854), 0U);
 }

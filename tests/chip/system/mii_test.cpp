@@ -109,7 +109,7 @@ TEST_F(MiiModel, EachPhyHasItsOwnRegisters) {
 }
 
 TEST_F(MiiModel, StatusIdentifiersAndPartnerAbilityCannotBeWritten) {
-  chip_.mii.SetLink(1, true);
+  chip_.mii.SetLink(monitor::PortId::kWan, true);
   (void)ReadPhy(1, 1);
   for (unsigned reg : {1U, 2U, 3U, 5U}) {
     const unsigned before = ReadPhy(1, reg);
@@ -140,15 +140,15 @@ TEST_F(MiiModel, NothingIsAttachedAtPowerOn) {
 }
 
 TEST_F(MiiModel, ALinkThatWasLostReadsAsDownOnce) {
-  chip_.mii.SetLink(2, true);
+  chip_.mii.SetLink(monitor::PortId::kLan, true);
   EXPECT_EQ(ReadPhy(2, 1), 0x7829U);
   EXPECT_EQ(ReadPhy(2, 1), 0x782DU);
   EXPECT_EQ(ReadPhy(2, 5), 0x45E1U);
-  chip_.mii.SetLink(2, false);
-  chip_.mii.SetLink(2, true);
+  chip_.mii.SetLink(monitor::PortId::kLan, false);
+  chip_.mii.SetLink(monitor::PortId::kLan, true);
   EXPECT_EQ(ReadPhy(2, 1), 0x7829U);
   EXPECT_EQ(ReadPhy(2, 1), 0x782DU);
-  chip_.mii.SetLink(2, false);
+  chip_.mii.SetLink(monitor::PortId::kLan, false);
   EXPECT_EQ(ReadPhy(2, 1), 0x7809U);
   EXPECT_EQ(ReadPhy(2, 1), 0x7809U);
   EXPECT_EQ(ReadPhy(1, 1), 0x7809U);  // another port
@@ -192,7 +192,7 @@ TEST_F(MiiModel, FaultsHangItMakeItBusySlowOrFailing) {
 }
 
 TEST_F(MiiModel, ResetEndsAnAccessAndKeepsTheLink) {
-  chip_.mii.SetLink(1, true);
+  chip_.mii.SetLink(monitor::PortId::kWan, true);
   WritePhy(1, 4, 0x0401);
   Store16(0x408, 0x01C4);
   chip_.Reset();
