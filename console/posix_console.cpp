@@ -155,11 +155,11 @@ void EndFlood() {
 
 /// A message that does not go through the console, which may be what failed.
 void Complain(const char* reason) {
-  static constexpr char kWhat[] = "cannot write console output: ";
   const auto tell = [](const char* text) {
     while (write(STDERR_FILENO, text, strlen(text)) < 0 && errno == EINTR) continue;
   };
-  tell(kWhat);
+  tell(g_setup.program);
+  tell(": cannot write console output: ");
   tell(reason);
   tell("\n");
 }

@@ -5,6 +5,7 @@ namespace monitor {
 
 /// How the console differs from plain standard input and output.
 struct ConsoleSetup {
+  const char* program = "debug-monitor";  ///< Its name in messages.
   int input = 0;
   int output = 1;
   bool delete_is_backspace = false;   ///< Turn Delete (127) into backspace (8).

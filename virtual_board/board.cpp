@@ -98,6 +98,7 @@ void Board::OpenUart(const std::string& path) {
 
 void Board::OpenConsole(bool keep_delete) {
   monitor::ConsoleSetup setup;
+  setup.program = kProgram;
   setup.watched = network_->WatchedFd();
   setup.on_watched = board::PollNetwork;
   setup.only_events = [] { return !g_board->FramesPending(); };
