@@ -23,8 +23,22 @@ BAD_OPTIONS = [
     (["--pty"], ["--pty", "LINK"]),
     (["--fault"], ["--fault", "SPEC"]),
     (["--trace", "--pty"], ["--trace", "'--pty'"]),
-    (["--pty", "a", "--pty", "b"], ["--pty"]),
-    (["--keep-delete=maybe"], ["--keep-delete"]),
+    (["--trace", ""], ["--trace", "a file needs a name"]),
+    (["--trace", "-"], ["--trace", "'-'", "carry the console", "'./-'"]),
+    (["--capture", "-"], ["--capture", "'-'", "carry the console"]),
+    (["--uart", "-"], ["--uart", "'-'", "carry the console"]),
+    (["--load", "-"], ["--load", "'-'", "carry the console"]),
+    (["--save", "-"], ["--save", "'-'", "carry the console"]),
+    (["--pty", "-"], ["--pty", "'-'", "carry the console"]),
+    (["--lan", "pcap:-"], ["--lan", "'-'", "carry the console"]),
+    (["--lan", "pcap:,-"], ["--lan", "'-'", "carry the console"]),
+    (["--trace", "a", "--trace", "b"], ["--trace", "more than once", "'a'", "'b'"]),
+    (["--lan", "none", "--lan=unix:x"], ["--lan", "more than once", "'none'", "'unix:x'"]),
+    (["--realtime=5"], ["--realtime", "no value", "'=5'"]),
+    (["--plain=true"], ["--plain", "no value", "'=true'"]),
+    (["--version=1"], ["--version", "no value"]),
+    (["--pty", "a", "--pty", "b"], ["--pty", "'a'", "'b'"]),
+    (["--keep-delete=maybe"], ["--keep-delete", "no value", "'=maybe'"]),
     (["--uart"], ["--uart", "FILE"]),
     (["--capture"], ["--capture", "FILE"]),
     (["--gpio-in"], ["--gpio-in", "HEX"]),
@@ -32,9 +46,11 @@ BAD_OPTIONS = [
     (["--gpio-in", ""], ["--gpio-in", "''", "0 to ff"]),
     (["--gpio-in", "g"], ["--gpio-in", "'g'", "0 to ff"]),
     (["--gpio-in", "5x"], ["--gpio-in", "'5x'"]),
-    (["--gpio-in", "0x5"], ["--gpio-in", "'0x5'"]),
+    (["--gpio-in", "0x"], ["--gpio-in", "'0x'", "a5 or 0xa5"]),
+    (["--gpio-in", "0x100"], ["--gpio-in", "'0x100'"]),
+    (["--gpio-in", "0x-1"], ["--gpio-in", "'0x-1'"]),
     (["--gpio-in", "100"], ["--gpio-in", "'100'"]),
-    (["--gpio-in", "1", "--gpio-in", "2"], ["--gpio-in"]),
+    (["--gpio-in", "1", "--gpio-in", "2"], ["--gpio-in", "'1'", "'2'"]),
     (["--fault", ""], ["--fault"]),
     (["--fault", "hang"], ["hang", "engine is missing", "l3"]),
     (["--fault", "hang:"], ["''", "l3"]),
@@ -48,7 +64,7 @@ BAD_OPTIONS = [
     (["--fault", "slow:l3:99999999999"], ["'99999999999'", "4294967295"]),
     (["--capture", ""], ["--capture", "a file needs a name"]),
     (["--lan", "pcap:a,b,c"], ["--lan", "'pcap:a,b,c'"]),
-    (["--registers", "json"], ["'json'", "behind '='"]),
+    (["--registers", "json"], ["'json'", "after '='"]),
     (["--fault", "slow:l3:5:6"], ["'6'"]),
     (["--fault", "hang:l3:5"], ["'5'"]),
     (["--fault", "hang:l3", "busy:l3"], ["'busy:l3'"]),
@@ -78,6 +94,41 @@ class CommandLine(unittest.TestCase):
                           b"--load FILE", b"--save FILE",
                           b"--version", b"hang:ENGINE", b"slow:ENGINE:LOADS", b"l3"):
                 self.assertIn(piece, done.stdout)
+
+            self.assertIn(b"  --registers[=FORMAT] ", done.stdout)
+
+    def test_control_bytes_are_shown_as_escapes(self):
+        """What a terminal would obey, from the command line and from the system's answers."""
+        nowhere = "/nowhere/\n\r\t\x1b]0;\x07\x7f"
+        shown = r"/nowhere/\n\r\t\x1b]0;\x07\x7f"
+        cases = [
+            (["--\x1b[2J"], 2, r"'--\x1b[2J'"),
+            (["\x1b[2J"], 2, r"'\x1b[2J'"),
+            (["--fault", "hang:\n"], 2, r"hang:\n"),
+            (["--gpio-in", "\x07"], 2, r"'\x07'"),
+            (["--registers=\x1b"], 2, r"'\x1b'"),
+            (["--lan", "\x1b"], 2, r"'\x1b'"),
+            (["--plain=\x1b"], 2, r"'=\x1b'"),
+            (["--trace", "\x1b", "--trace", "\n"], 2, r"'\x1b' and '\n'"),
+            (["--uart", "\x1b", "--trace", "\x1b"], 2, r"'\x1b'"),
+            (["--trace", nowhere], 1, shown),
+            (["--uart", nowhere], 1, shown),
+            (["--capture", nowhere], 1, shown),
+            (["--load", nowhere], 1, shown),
+            (["--save", nowhere], 1, shown),
+            (["--pty", nowhere], 1, shown),
+            (["--lan", "pcap:" + nowhere], 1, shown),
+            (["--lan", "unix:" + nowhere], 1, shown),
+            # Other alphabets stay readable.
+            (["--trace", "/nowhere/\u00e9"], 1, "/nowhere/\u00e9"),
+        ]
+        for options, status, piece in cases:
+            with self.subTest(options):
+                done = run([BOARD, *options])
+                message = done.stderr.decode()
+                self.assertEqual((done.returncode, done.stdout), (status, b""))
+                self.assertIn(piece, message)
+                self.assertRegex(message, r"\A[^\x00-\x1f\x7f]+\n\Z")
 
     def test_version(self):
         done = run([BOARD, "--version"])
@@ -178,6 +229,8 @@ class Chip(unittest.TestCase):
         """Pins whose direction bit is 0 are inputs; the others show what is written to them."""
         self.assertEqual(self.output(b"gpio", "--gpio-in", "A5"), b"DATA: a5\n\r")
         self.assertEqual(self.output(b"gpio", "--gpio-in=0"), b"DATA:  0\n\r")
+        self.assertEqual(self.output(b"gpio", "--gpio-in", "0xA5"), b"DATA: a5\n\r")
+        self.assertEqual(self.output(b"gpio", "--gpio-in", "0X10"), b"DATA: 10\n\r")
         self.assertEqual(self.output(b"gpio"), b"DATA:  0\n\r")
 
     def test_bytes_of_the_uart(self):
