@@ -4,15 +4,23 @@
 
 #include <utility>
 
+#include "mac/port_config.h"
 #include "mac/port_config_registers.h"
 
 namespace board {
 namespace {
 
 /// What a boot loader would have made of a port with something connected: up, 100 Mbit/s, full
-/// duplex. The chip itself starts with its ports down.
-constexpr std::uint8_t kPortUp =
-    monitor::kMacLinkUp.Mask() | monitor::kMacSpeed100.Mask() | monitor::kMacFullDuplex.Mask();
+/// duplex, its PHY on the MII. The chip itself starts with its ports down.
+void SetUpPort(chip::RegisterFile& registers, unsigned port) {
+  constexpr std::uint8_t kPortUp =
+      monitor::kMacLinkUp.Mask() | monitor::kMacSpeed100.Mask() | monitor::kMacFullDuplex.Mask();
+  constexpr std::array kInterface{monitor::kInterfaceWan, monitor::kInterfaceLan,
+                                  monitor::kInterfaceDmz};
+  registers.Set(monitor::kMacControl[port], kPortUp);
+  registers.Set(monitor::kInterfaceType, registers.Get(monitor::kInterfaceType) |
+                                             kInterface[port].Put(monitor::kInterfaceMii));
+}
 
 const std::vector<std::string> kInterfaceNames{chip::kMacPortNames.begin(),
                                                chip::kMacPortNames.end()};
@@ -36,7 +44,7 @@ Network::Network(chip::RouterChip& chip, const NetworkSetup& setup)
   for (unsigned port = 0; port < ports_.size(); ++port) {
     ports_[port] = OpenPort(setup.ports[port], setup.options);
     if (!ports_[port]) continue;
-    if (!setup.keep_settings) chip_.registers.Set(monitor::kMacControl[port], kPortUp);
+    if (!setup.keep_settings) SetUpPort(chip_.registers, port);
     UpdateLink(port);
   }
   chip_.frames.on_transmit = [this](unsigned port, std::span<const std::uint8_t> frame) {

@@ -286,6 +286,22 @@ class CommandLine(board.BoardTest):
                       b"pcap:,OUT", b"unix:PATH", b"SOCK_SEQPACKET"):
             self.assertIn(piece, text)
 
+    def test_connected_ports_start_as_a_boot_loader_leaves_them(self):
+        up = (b"LINK: UP\tSPEED: 100MBPS\n\rDUPLEX: FULL\tINTERFACE: MII\tLOOPBACK: NO\n\r"
+              b"FLOW CONTROL: OFF\tVLAN AWARE: FALSE\n\r")
+        down = (b"LINK: DOWN\tSPEED: 10MBPS\n\rDUPLEX: HALF\tINTERFACE: SERIAL\tLOOPBACK: NO\n\r"
+                b"FLOW CONTROL: OFF\tVLAN AWARE: FALSE\n\r")
+        names = ("wan", "lan", "dmz")
+        for connected in (("wan",), ("lan",), ("dmz",), names):
+            with self.subTest(connected):
+                options = [f"--{name}=pcap:,{self.path(name)}" for name in connected]
+                self.start(*options)
+                for name in names:
+                    shown = self.command(b"maccfg " + name.encode())
+                    wanted = up if name in connected else down
+                    self.assertEqual(shown, b"Port: " + name.upper().encode() + b"\t" + wanted)
+                self.leave()
+
     def test_none(self):
         done = support.run([BOARD, "--wan", "none", "--lan", "none", "--dmz", "none"], b"exit\n")
         self.assertEqual((done.returncode, done.stderr), (0, b""))
