@@ -59,9 +59,6 @@ std::uint64_t MonotonicNanoseconds() {
 Board::Board(const Options& options) : options_(options) {
   g_board = this;
   for (const std::string& fault : options.faults) SetFault(chip_, fault);
-  chip_.registers.on_complaint = [](const std::string& text) {
-    Report("the chip complains: " + text);
-  };
   chip_.clock = MonotonicNanoseconds;
   chip::Attach(chip_);
   if (options.save_file) state_file_.emplace(*options.save_file);
@@ -123,9 +120,11 @@ void Board::OpenConsole(bool keep_delete) {
 }
 
 int Board::Finish() {
+  complaints_.Flush();
   const bool written = WriteAll();
   const int status = StatusOfLines();
-  return written ? status : EXIT_FAILURE;
+  const bool forbidden = options_.strict && complaints_.Any();
+  return written && !forbidden ? status : EXIT_FAILURE;
 }
 
 bool Board::WriteAll() {
@@ -158,6 +157,7 @@ void Board::EndAnswer() {
 
 void Board::Note(monitor::ShellEvent event) {
   EndAnswer();
+  complaints_.Flush();
   progress_.Note(event);
   if (!trace_) return;
   if (event == monitor::ShellEvent::kRun) trace_->Mark(progress_.CurrentCommand());
@@ -170,7 +170,8 @@ void Board::NoteLostLine() {
   progress_.Note(monitor::ShellEvent::kRefused);
 }
 
-void Board::TellOfLongWait() const {
+void Board::TellOfLongWait() {
+  complaints_.Flush();
   const monitor::Awaited& awaited = monitor::LastAwaited();
   if (!awaited.first_look) return;
   const bool terminal = pseudo_terminal_ || terminal_;
@@ -202,6 +203,7 @@ bool Board::FramesPending() const { return network_->Pending(); }
 void Board::PollNetwork() { network_->Poll(); }
 
 void Board::BeforeWait() {
+  complaints_.Flush();
   if (trace_) trace_->Flush();
   network_->NoteWait();
 }

@@ -6,6 +6,7 @@
 #include "chip/router_chip.h"
 #include "host/descriptor.h"
 #include "host/end_signals.h"
+#include "machine/complaints.h"
 #include "machine/ports/network.h"
 #include "machine/state/state_file.h"
 #include "machine/trace.h"
@@ -27,7 +28,8 @@ class Board {
   Board& operator=(const Board&) = delete;
 
   /// Saves what was asked for. The program's exit status: 1 when something that was asked for could
-  /// not be read or written, else that of the lines where the options want it.
+  /// not be read or written, or the options forbid a complaint that there was, else that of the
+  /// lines where the options want it.
   [[nodiscard]] int Finish();
 
   /// Follows what the monitor's shell does.
@@ -38,7 +40,7 @@ class Board {
   void NoteLostLine();
 
   /// Tells the operator, once in each wait, what the monitor waits for.
-  void TellOfLongWait() const;
+  void TellOfLongWait();
 
   /// True while captures still have frames that the packet service would take.
   [[nodiscard]] bool FramesPending() const;
@@ -70,6 +72,7 @@ class Board {
   bool in_answer_line_ = false;  ///< Of a plain answer, a line has begun and not ended.
   Descriptor script_;
   chip::RouterChip chip_;
+  Complaints complaints_{chip_.registers};
   std::optional<PseudoTerminal> pseudo_terminal_;
   std::optional<Trace> trace_;
   std::ofstream uart_;

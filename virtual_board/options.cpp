@@ -54,6 +54,8 @@ void Describe(CLI::App& app, Options& options) {
       ->allow_extra_args(false);
   app.add_flag("--plain", options.plain,
                "Print only the answers, with plain line ends: no banner, prompt and echo");
+  app.add_flag("--strict", options.strict,
+               "Exit with status 1 when the chip has complained of an access");
   app.add_option("--pty", options.pty_link, "Offer the console as a pseudo-terminal under LINK")
       ->type_name("LINK")
       ->check(CheckName, "");

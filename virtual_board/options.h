@@ -18,6 +18,7 @@ struct UsageError : std::runtime_error {
 struct Options {
   std::vector<std::string> commands;        ///< Lines to run instead of what would be typed.
   bool plain = false;                       ///< Only answers are printed, with plain line ends.
+  bool strict = false;                      ///< A complaint of the chip is a failure.
   std::optional<std::string> pty_link;      ///< Console on a pseudo-terminal under this link.
   std::optional<std::string> trace_file;    ///< Every bus access goes there.
   std::vector<std::string> faults;          ///< As SetFault takes them.

@@ -1,5 +1,6 @@
 """The command line of virtual-board, and scripts on its standard input."""
 
+import json
 import os
 import tempfile
 import unittest
@@ -258,13 +259,76 @@ class Chip(unittest.TestCase):
         # A read without effect leaves in the registers what was stored there for another slot.
         self.assertIn(b"INDEX:  6\tVALID\n\rIP: 10.1.2.0        MASK: 18", done.stdout)
 
-    def test_complaints_come_once_each(self):
-        done = run([BOARD], b"reg 1f00\nreg 1f01\nreg 1f00\n")
-        self.assertEqual(done.returncode, 0)
-        lines = done.stderr.decode().splitlines()
-        self.assertEqual(len(lines), 2)
-        self.assertIn("no register at 1f00", lines[0])
-        self.assertIn("no register at 1f01", lines[1])
+
+
+class Complaints(unittest.TestCase):
+    """What standard error tells of accesses that software should not make."""
+
+    PREFIX = "virtual-board: the chip complains: "
+
+    def complaints(self, lines, *options, status=0):
+        done = run([BOARD, *options], lines)
+        self.assertEqual(done.returncode, status, done.stderr)
+        told = done.stderr.decode().splitlines()
+        self.assertEqual([line for line in told if not line.startswith(self.PREFIX)], [])
+        return [line.removeprefix(self.PREFIX) for line in told]
+
+    def test_come_once_each(self):
+        told = self.complaints(b"reg 1f00\nreg 1f01\nreg 1f00\n")
+        self.assertEqual(told, ["no register at 1f00", "no register at 1f01"])
+
+    def test_neighbours_are_one_range(self):
+        told = self.complaints(b"reg 1f00 2\nreg 1eff 4\nreg 1ff0 10\n")
+        ranges = ["1f00-1f01", "1eff, 1f02", "1ff0-1fff"]
+        self.assertEqual(told, ["no register at " + text for text in ranges])
+
+    def test_whole_window(self):
+        """The ranges are those that the register map leaves free, on few lines."""
+        blocks = json.loads(run([BOARD, "--registers=json"]).stdout)["blocks"]
+        taken = set()
+        for register in (register for block in blocks for register in block["registers"]):
+            start = register["offset"]
+            taken.update(range(start, start + register["width"] // 8 * register["count"]))
+        free = [offset for offset in range(0x2000) if offset not in taken]
+        told = self.complaints(b"reg 0 2000\n")
+        self.assertLess(len(told), 10)
+        named = []
+        for text in told:
+            self.assertTrue(text.startswith("no register at "), text)
+            for part in text.removeprefix("no register at ").split(", "):
+                first, _, last = part.partition("-")
+                named += range(int(first, 16), int(last or first, 16) + 1)
+                self.assertNotEqual(first, last)
+        self.assertEqual(named, free)
+
+    def test_other_complaints_stay_in_order(self):
+        """The first offset comes before what the same line does next."""
+        told = self.complaints(b"reg 0ff 4 = 1 2 3 4\n")
+        self.assertEqual(told, ["no register at 00ff", "store to read-only CHIP_REVISION at 0101",
+                                "store to read-only CHIP_MODEL at 0102"])
+
+    def test_come_between_the_answer_and_the_prompt(self):
+        done = run(["sh", "-c", '"$0" 2>&1', BOARD], b"reg 1f00\n")
+        answer = done.stdout.removeprefix(START + b"reg 1f00\r\n").removesuffix(PROMPT)
+        self.assertTrue(answer.startswith(b"50001F00: 00"), answer)
+        told = self.PREFIX.encode() + b"no register at 1f00\n"
+        self.assertTrue(answer.endswith(b"\n\r" + told), answer)
+
+    def test_come_before_an_early_end(self):
+        for script in (b"reg 1f00\nexit\nzz\n", b"reg 1f00\nzz"):
+            self.assertEqual(self.complaints(script), ["no register at 1f00"])
+        with open("/dev/full", "wb") as full:
+            done = run([BOARD], b"reg 1f00\n", stdout=full)
+        self.assertIn(b"no register at 1f00\n", done.stderr)
+
+    def test_strict(self):
+        for line in (b"reg 1f00\n", b"reg 101 = 0\n"):
+            for end in (b"", b"exit\n"):
+                self.complaints(line + end, "--strict", status=1)
+        self.complaints(b"reg 100\nl3 5\nzz\n", "--strict")
+        for lines, status in ((["reg 1f00", "zz"], 1), (["zz"], 3), (["reg 100"], 0)):
+            commands = [word for line in lines for word in ("-c", line)]
+            self.complaints(b"", "--strict", "--plain", *commands, status=status)
 
 
 if __name__ == "__main__":
