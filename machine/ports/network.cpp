@@ -2,6 +2,8 @@
 
 #include <sys/epoll.h>
 
+#include <cerrno>
+#include <cstring>
 #include <utility>
 
 #include "mac/port_config.h"
@@ -40,6 +42,7 @@ constexpr std::size_t kBuffersLeftFree = 64;
 
 Network::Network(chip::RouterChip& chip, const NetworkSetup& setup)
     : chip_(chip), watch_(epoll_create1(EPOLL_CLOEXEC)) {
+  if (!watch_.Open()) throw PortError(std::string("cannot watch ports: ") + std::strerror(errno));
   if (!setup.capture.empty()) capture_.emplace(setup.capture, kInterfaceNames);
   for (unsigned port = 0; port < ports_.size(); ++port) {
     ports_[port] = OpenPort(setup.ports[port], setup.options);

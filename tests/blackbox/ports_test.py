@@ -3,8 +3,10 @@
 import contextlib
 import os
 import re
+import resource
 import socket
 import struct
+import subprocess
 import threading
 import time
 
@@ -97,6 +99,59 @@ class Exchange(SocketTest):
         self.type(500 * line)
         self.type(b"zz\n")
         self.screen.until(UNKNOWN + PROMPT)
+
+    def limit_descriptors(self, limit):
+        _, hard = resource.prlimit(self.board.pid, resource.RLIMIT_NOFILE)
+        resource.prlimit(self.board.pid, resource.RLIMIT_NOFILE, (limit, hard))
+
+    def test_program_that_cannot_be_connected_for_a_while(self):
+        """The board has no descriptor left; it says so once, waits idly, and takes the program."""
+        self.start("--lan", "unix:" + self.lan)
+        self.command(b"macaddr m cpu " + frames.CPU_MAC.hex().encode())
+        self.command(AUTO)
+        before, _ = resource.prlimit(self.board.pid, resource.RLIMIT_NOFILE)
+        self.limit_descriptors(len(os.listdir(f"/proc/{self.board.pid}/fd")))
+        peer = self.connect(self.lan)
+        octets = frames.frame(60)
+        peer.send(octets)
+        message = f"virtual-board: unix:{self.lan}: cannot connect a program: Too many open files"
+        errors = support.Screen(self, self.board.stderr.fileno())
+        errors.shows(message.encode() + b"; trying again every second\n")
+        used = self.processor_seconds()
+        time.sleep(1.5)
+        self.assertLess(self.processor_seconds() - used, 0.1)
+        self.limit_descriptors(before)
+        self.screen.shows(frames.printed(0, octets))
+        peer.close()
+        # The next one is served at once, and told of anew when it cannot be.
+        peer = self.connect(self.lan)
+        peer.send(octets)
+        self.screen.shows(frames.printed(1, octets))
+        self.limit_descriptors(len(os.listdir(f"/proc/{self.board.pid}/fd")) - 1)
+        peer.close()
+        self.connect(self.lan)
+        errors.shows(message.encode() + b"; trying again every second\n")
+        self.assertEqual(self.leave(), "")
+
+    def test_start_without_descriptors(self):
+        """Whatever there are too few for, the message names the reason."""
+        refused = 0
+        for limit in range(4, 16):
+            def few(limit=limit):
+                resource.setrlimit(resource.RLIMIT_NOFILE, (limit, limit))
+
+            options = ["--lan", "unix:" + self.lan, "--wan", "unix:" + self.wan]
+            done = subprocess.run([BOARD, *options], input=b"exit\n", capture_output=True,
+                                  preexec_fn=few, check=False, timeout=support.DEADLINE)
+            message = done.stderr.decode()
+            if done.returncode == 0:
+                self.assertEqual(message, "")
+                continue
+            refused += 1
+            self.assertEqual(done.returncode, 1, message)
+            self.assertTrue(message.endswith(": Too many open files\n"), message)
+            self.assertEqual(os.listdir(self.folder), [])
+        self.assertIn(refused, range(1, 12))
 
     def test_socket_of_another_board_stays(self):
         self.start_with_peer()
