@@ -68,9 +68,11 @@ class Board {
   [[nodiscard]] bool Save();
 
   const Options& options_;
+  std::vector<std::string> first_lines_;
+  std::string first_text_;
   Progress progress_;
   bool in_answer_line_ = false;  ///< Of a plain answer, a line has begun and not ended.
-  Descriptor script_;
+  Descriptor no_input_;
   chip::RouterChip chip_;
   Complaints complaints_{chip_.registers};
   std::optional<PseudoTerminal> pseudo_terminal_;

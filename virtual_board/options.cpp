@@ -48,6 +48,11 @@ void Describe(CLI::App& app, Options& options) {
   app.description(kDescription);
   app.set_help_flag("-h,--help", "Print this help and exit");
   app.set_version_flag("--version", kVersion, "Print the version and exit");
+  app.add_option("--init", options.init_files,
+                 "Run the lines of FILE before all others; may be repeated")
+      ->type_name("FILE")
+      ->check(CheckFile, "")
+      ->allow_extra_args(false);
   app.add_option("-c,--command", options.commands, "Run LINE and end; may be repeated")
       ->type_name("LINE")
       ->check(CheckCommand, "")
@@ -59,6 +64,7 @@ void Describe(CLI::App& app, Options& options) {
   app.add_option("--pty", options.pty_link, "Offer the console as a pseudo-terminal under LINK")
       ->type_name("LINK")
       ->check(CheckName, "");
+  app.add_flag("--stay", options.stay, "Go on with the console after the lines of -c");
   app.add_option("--trace", options.trace_file, "Write every bus access to FILE")
       ->type_name("FILE")
       ->check(CheckFile, "");
@@ -156,10 +162,10 @@ std::string RegisterMapIn(const std::string& format) {
 
 /// Refuses options that contradict each other.
 void CheckTogether(const Options& options) {
-  if (options.pty_link && !options.commands.empty()) {
-    throw UsageError("--command and --pty: the lines come from one or the other");
+  if (options.pty_link && !ReadsConsole(options)) {
+    throw UsageError("--command and --pty: the board ends after the lines; --stay goes on");
   }
-  if (!options.plain || !options.commands.empty()) return;
+  if (!options.plain || !ReadsConsole(options)) return;
   if (options.pty_link || isatty(STDIN_FILENO) != 0) {
     throw UsageError("--plain is for lines given with -c or as a script on standard input");
   }
