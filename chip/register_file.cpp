@@ -150,7 +150,7 @@ void RegisterFile::ComplainOfStore(const Row& row, std::uint32_t offset) {
 }
 
 void RegisterFile::ComplainOfUnmapped(std::uint32_t offset) {
-  if (++unmapped_accesses_[offset] == 1 && on_complaint) on_complaint(UnmappedText(offset));
+  if (++unmapped_accesses_[offset] == 1 && on_unmapped) on_unmapped(offset);
 }
 
 std::map<std::string, unsigned> RegisterFile::Complaints() const {

@@ -112,8 +112,11 @@ class RegisterFile {
   /// that.
   void Watch(std::function<void(const Access&)> observer);
 
-  /// Called when a complaint is raised for the first time.
+  /// Called when a complaint is raised for the first time, but for accesses to bytes without a
+  /// register.
   std::function<void(const std::string&)> on_complaint;
+  /// Called when a byte without a register is accessed for the first time.
+  std::function<void(std::uint32_t offset)> on_unmapped;
 
  private:
   struct Row {

@@ -156,11 +156,11 @@ void EndFlood() {
 
 /// A message that does not go through the console, which may be what failed.
 void Complain(const char* reason) {
-  static constexpr char kWhat[] = "cannot write console output: ";
   const auto tell = [](const char* text) {
     while (write(STDERR_FILENO, text, strlen(text)) < 0 && errno == EINTR) continue;
   };
-  tell(kWhat);
+  tell(g_setup.program);
+  tell(": cannot write console output: ");
   tell(reason);
   tell("\n");
 }
@@ -209,6 +209,11 @@ void ConsoleOpen(const ConsoleSetup& setup) { g_setup = setup; }
 
 int ConsoleReadChar() {
   BetweenSteps();
+  if (!g_setup.first.empty()) {
+    const char c = g_setup.first.front();
+    g_setup.first.remove_prefix(1);
+    return static_cast<unsigned char>(c);
+  }
   if (g_input_begin == g_input_end) {
     if (std::exchange(g_key_first, false)) {
       ConsoleFlush();
@@ -255,7 +260,7 @@ void ConsoleFlush() {
 void ConsoleWait(long microseconds) {
   g_passes_to_look = 0;
   ConsoleFlush();
-  if (g_input_begin != g_input_end) return;
+  if (g_input_begin != g_input_end || !g_setup.first.empty()) return;
   if (g_setup.before_wait != nullptr) g_setup.before_wait();
   if (!g_input_ended) {
     WaitForInputOrWatched(microseconds);

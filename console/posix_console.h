@@ -1,14 +1,18 @@
 // The console on file descriptors: the monitor's console socket as both programs fill it.
 #pragma once
 
+#include <string_view>
+
 namespace monitor {
 
 struct Awaited;
 
 /// How the console differs from plain standard input and output.
 struct ConsoleSetup {
+  const char* program = "debug-monitor";  ///< Its name in messages.
   int input = 0;
   int output = 1;
+  std::string_view first = {};        ///< Characters that come before those of the input.
   bool delete_is_backspace = false;   ///< Turn Delete (127) into backspace (8).
   bool return_is_line_feed = false;   ///< Turn carriage return (13) into line feed (10).
   void (*before_wait)() = nullptr;    ///< Called before the monitor waits for input.

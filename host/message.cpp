@@ -6,6 +6,7 @@
 #include <iostream>
 
 #include "console/console_port.h"
+#include "host/printable.h"
 
 namespace board {
 namespace {
@@ -25,7 +26,7 @@ void Report(const std::string& text) {
   const char* const begin = OnRawTerminal() ? "\r\n" : "";
   // A message that could not be written does not silence the next.
   std::cerr.clear();
-  std::cerr << begin << "virtual-board: " + text + end;
+  std::cerr << begin << std::string(kProgram) + ": " + Printable(text) + end;
 }
 
 }  // namespace board

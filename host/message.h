@@ -4,8 +4,11 @@
 
 namespace board {
 
+/// The program's name in messages.
+inline constexpr char kProgram[] = "virtual-board";
+
 /// Prints a line about the board itself on standard error, after what the console has printed so
-/// far.
+/// far. Control bytes of the text are shown as escapes.
 void Report(const std::string& text);
 
 }  // namespace board

@@ -18,6 +18,7 @@
 #include "host/message.h"
 #include "mac/packet_service.h"
 #include "machine/faults.h"
+#include "virtual_board/first_lines.h"
 #include "virtual_board/long_wait.h"
 
 namespace board {
@@ -36,14 +37,17 @@ void EndOfInput(int error, bool in_line) {
   std::exit(EXIT_FAILURE);
 }
 
-/// A file in memory that holds the lines.
-Descriptor MakeScript(const std::vector<std::string>& lines) {
+/// The lines as they are typed.
+std::string Typed(const std::vector<std::string>& lines) {
   std::string text;
   for (const std::string& line : lines) text.append(line).append("\n");
-  Descriptor file(memfd_create("commands", MFD_CLOEXEC));
-  if (!file.Open() || pwrite(file.Get(), text.data(), text.size(), 0) != std::ssize(text)) {
-    throw std::system_error(errno, std::generic_category(), "cannot hold the commands");
-  }
+  return text;
+}
+
+/// Input that has ended.
+Descriptor OpenNoInput() {
+  Descriptor file(memfd_create("no input", MFD_CLOEXEC));
+  if (!file.Open()) throw std::system_error(errno, std::generic_category(), "no console input");
   return file;
 }
 
@@ -56,12 +60,13 @@ std::uint64_t MonotonicNanoseconds() {
 
 }  // namespace
 
-Board::Board(const Options& options) : options_(options) {
+Board::Board(const Options& options)
+    : options_(options),
+      first_lines_(FirstLines(options)),
+      first_text_(Typed(first_lines_)),
+      progress_(options.plain ? SIZE_MAX : first_lines_.size()) {
   g_board = this;
   for (const std::string& fault : options.faults) SetFault(chip_, fault);
-  chip_.registers.on_complaint = [](const std::string& text) {
-    Report("the chip complains: " + text);
-  };
   chip_.clock = MonotonicNanoseconds;
   chip::Attach(chip_);
   if (options.save_file) state_file_.emplace(*options.save_file);
@@ -73,7 +78,7 @@ Board::Board(const Options& options) : options_(options) {
   if (options.uart_file) OpenUart(*options.uart_file);
   if (options.pty_link) pseudo_terminal_.emplace(*options.pty_link);
   if (options.trace_file) OpenTrace(*options.trace_file);
-  if (!options.commands.empty()) script_ = MakeScript(options.commands);
+  if (!ReadsConsole(options)) no_input_ = OpenNoInput();
   OpenConsole(options.keep_delete);
   if (!state_file_) return;
   end_signals_.emplace();
@@ -98,11 +103,13 @@ void Board::OpenUart(const std::string& path) {
 
 void Board::OpenConsole(bool keep_delete) {
   monitor::ConsoleSetup setup;
+  setup.program = kProgram;
   setup.watched = network_->WatchedFd();
   setup.on_watched = board::PollNetwork;
   setup.only_events = [] { return !g_board->FramesPending(); };
-  if (script_.Open()) {
-    setup.input = script_.Get();
+  setup.first = first_text_;
+  if (no_input_.Open()) {
+    setup.input = no_input_.Get();
   } else if (pseudo_terminal_) {
     setup.input = setup.output = pseudo_terminal_->Fd();
     setup.return_is_line_feed = true;
@@ -122,9 +129,11 @@ void Board::OpenConsole(bool keep_delete) {
 }
 
 int Board::Finish() {
+  complaints_.Flush();
   const bool written = WriteAll();
   const int status = StatusOfLines();
-  return written ? status : EXIT_FAILURE;
+  const bool forbidden = options_.strict && complaints_.Any();
+  return written && !forbidden ? status : EXIT_FAILURE;
 }
 
 bool Board::WriteAll() {
@@ -138,10 +147,9 @@ bool Board::WriteAll() {
 }
 
 int Board::StatusOfLines() const {
-  if (options_.commands.empty()) return options_.plain ? progress_.Status() : EXIT_SUCCESS;
   const std::size_t done = progress_.LinesDone() + (progress_.Exited() ? 1 : 0);
-  if (done == options_.commands.size()) return progress_.Status();
-  Report("'" + options_.commands[done] + "' is behind an 'exit' and was not run");
+  if (done >= first_lines_.size()) return progress_.Status();
+  Report("'" + first_lines_[done] + "' is after an 'exit' and was not run");
   return std::max(progress_.Status(), kExitRefused);
 }
 
@@ -157,6 +165,7 @@ void Board::EndAnswer() {
 
 void Board::Note(monitor::ShellEvent event) {
   EndAnswer();
+  complaints_.Flush();
   progress_.Note(event);
   if (!trace_) return;
   if (event == monitor::ShellEvent::kRun) trace_->Mark(progress_.CurrentCommand());
@@ -169,7 +178,8 @@ void Board::NoteLostLine() {
   progress_.Note(monitor::ShellEvent::kRefused);
 }
 
-void Board::TellOfLongWait(const monitor::Awaited& awaited) const {
+void Board::TellOfLongWait(const monitor::Awaited& awaited) {
+  complaints_.Flush();
   if (!awaited.first_look) return;
   const bool terminal = pseudo_terminal_ || terminal_;
   Report("'" + progress_.CurrentCommand() + "' " + DescribeWait(awaited) +
@@ -200,6 +210,7 @@ bool Board::FramesPending() const { return network_->Pending(); }
 void Board::PollNetwork() { network_->Poll(); }
 
 void Board::BeforeWait() {
+  complaints_.Flush();
   if (trace_) trace_->Flush();
   network_->NoteWait();
 }

@@ -7,6 +7,7 @@
 #include "core/long_wait.h"
 #include "host/descriptor.h"
 #include "host/end_signals.h"
+#include "machine/complaints.h"
 #include "machine/ports/network.h"
 #include "machine/state/state_file.h"
 #include "machine/trace.h"
@@ -28,7 +29,8 @@ class Board {
   Board& operator=(const Board&) = delete;
 
   /// Saves what was asked for. The program's exit status: 1 when something that was asked for could
-  /// not be read or written, else that of the lines where the options want it.
+  /// not be read or written, or the options forbid a complaint that there was, else that of the
+  /// lines where the options want it.
   [[nodiscard]] int Finish();
 
   /// Follows what the monitor's shell does.
@@ -39,7 +41,7 @@ class Board {
   void NoteLostLine();
 
   /// Tells the operator, once in each wait, what the monitor waits for.
-  void TellOfLongWait(const monitor::Awaited& awaited) const;
+  void TellOfLongWait(const monitor::Awaited& awaited);
 
   /// True while captures still have frames that the packet service would take.
   [[nodiscard]] bool FramesPending() const;
@@ -67,10 +69,13 @@ class Board {
   [[nodiscard]] bool Save();
 
   const Options& options_;
+  std::vector<std::string> first_lines_;
+  std::string first_text_;
   Progress progress_;
   bool in_answer_line_ = false;  ///< Of a plain answer, a line has begun and not ended.
-  Descriptor script_;
+  Descriptor no_input_;
   chip::RouterChip chip_;
+  Complaints complaints_{chip_.registers};
   std::optional<PseudoTerminal> pseudo_terminal_;
   std::optional<Trace> trace_;
   std::ofstream uart_;

@@ -32,6 +32,7 @@ Roles RolesOf(const Options& options) {
   Add(roles, "--capture", options.network.capture, true);
   Add(roles, "--trace", options.trace_file.value_or(""), true);
   Add(roles, "--uart", options.uart_file.value_or(""), true);
+  for (const std::string& path : options.init_files) Add(roles, "--init", path, false);
   Add(roles, "--load", options.load_file.value_or(""), false);
   Add(roles, "--save", options.save_file.value_or(""), true);
   return roles;

@@ -5,6 +5,7 @@
 #include <exception>
 
 #include "console/console_port.h"
+#include "console/posix_console.h"
 #include "host/message.h"
 #include "shell/shell.h"
 #include "virtual_board/board.h"
@@ -23,6 +24,9 @@ void OccupyStandardDescriptors() {
 }
 
 int Answer(const std::string& text) {
+  monitor::ConsoleSetup setup;
+  setup.program = board::kProgram;
+  monitor::ConsoleOpen(setup);
   monitor::ConsoleSend(text.data(), text.size());
   monitor::ConsoleFlush();
   return EXIT_SUCCESS;

@@ -7,11 +7,12 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <charconv>
+#include <memory>
 
+#include "host/message.h"
 #include "machine/faults.h"
 #include "machine/registers/export.h"
-#include "shell/line_editor.h"
+#include "virtual_board/arguments.h"
 #include "virtual_board/file_conflicts.h"
 #include "virtual_board/nearest.h"
 
@@ -31,63 +32,42 @@ constexpr char kFooter[] =
     "1 when something could not be opened, read or written; 2 for a bad command line; with -c or\n"
     "--plain also 3 when a line was refused and 4 when a driver failed (4 when both happened).\n";
 
-/// Characters of a line that the monitor looks at; it cuts the others off.
-constexpr std::size_t kLongestCommand = monitor::kLineBufferSize - 2;
+constexpr char kRegisters[] = "--registers";
+constexpr char kGpioIn[] = "--gpio-in";
 
-/// An option's argument is not the next option.
-std::string CheckArgument(const std::string& argument) {
-  if (!argument.starts_with('-')) return "";
-  return "its argument is missing before '" + argument + "'";
-}
-
-std::string CheckFile(const std::string& argument) {
-  return argument.empty() ? "a file needs a name" : CheckArgument(argument);
-}
-
-/// A command stands for keys that are typed, so none of them may be one that edits.
-std::string CheckCommand(const std::string& command) {
-  std::string missing = CheckArgument(command);
-  if (!missing.empty()) return missing;
-  const auto is_control = [](unsigned char c) { return c < ' ' || c == '\x7f'; };
-  if (std::any_of(command.begin(), command.end(), is_control)) {
-    return "a command is one line without control characters; give each its own -c";
+/// An optional value as a manual page writes it.
+class Formatter : public CLI::Formatter {
+ public:
+  std::string make_option_name(const CLI::Option* option, bool positional) const override {
+    const std::string name = CLI::Formatter::make_option_name(option, positional);
+    return name.substr(0, name.find('{')) + (option->check_name(kRegisters) ? "[=FORMAT]" : "");
   }
-  if (command.size() <= kLongestCommand) return "";
-  return "a command has " + std::to_string(command.size()) + " characters; the console takes " +
-         std::to_string(kLongestCommand);
-}
-
-std::string CheckPort(const std::string& argument) {
-  std::string missing = CheckArgument(argument);
-  if (!missing.empty() || IsPort(argument)) return missing;
-  return "'" + argument + "' is no port: use tap:NAME, pcap:[IN][,OUT], unix:PATH or none";
-}
-
-std::uint8_t ParseHexByte(const std::string& text) {
-  std::uint8_t byte = 0;
-  const auto result = std::from_chars(text.data(), text.data() + text.size(), byte, 16);
-  if (result.ec != std::errc() || result.ptr != text.data() + text.size()) {
-    throw UsageError("--gpio-in: '" + text + "' is no hexadecimal number from 0 to ff");
-  }
-  return byte;
-}
+};
 
 void Describe(CLI::App& app, Options& options) {
   app.description(kDescription);
   app.set_help_flag("-h,--help", "Print this help and exit");
   app.set_version_flag("--version", kVersion, "Print the version and exit");
+  app.add_option("--init", options.init_files,
+                 "Run the lines of FILE before all others; may be repeated")
+      ->type_name("FILE")
+      ->check(CheckFile, "")
+      ->allow_extra_args(false);
   app.add_option("-c,--command", options.commands, "Run LINE and end; may be repeated")
       ->type_name("LINE")
       ->check(CheckCommand, "")
       ->allow_extra_args(false);
   app.add_flag("--plain", options.plain,
                "Print only the answers, with plain line ends: no banner, prompt and echo");
+  app.add_flag("--strict", options.strict,
+               "Exit with status 1 when the chip has complained of an access");
   app.add_option("--pty", options.pty_link, "Offer the console as a pseudo-terminal under LINK")
       ->type_name("LINK")
-      ->check(CheckArgument, "");
+      ->check(CheckName, "");
+  app.add_flag("--stay", options.stay, "Go on with the console after the lines of -c");
   app.add_option("--trace", options.trace_file, "Write every bus access to FILE")
       ->type_name("FILE")
-      ->check(CheckArgument, "");
+      ->check(CheckFile, "");
   app.add_option("--fault", options.faults, "Let an engine fail; may be repeated")
       ->type_name("SPEC")
       ->check(CheckArgument, "")
@@ -105,23 +85,47 @@ void Describe(CLI::App& app, Options& options) {
       ->check(CheckFile, "");
   app.add_option("--uart", options.uart_file, "Write what the UART sends to FILE")
       ->type_name("FILE")
-      ->check(CheckArgument, "");
+      ->check(CheckFile, "");
   app.add_option_function<std::string>(
-         "--gpio-in",
-         [&options](const std::string& text) { options.gpio_inputs = ParseHexByte(text); },
+         kGpioIn,
+         [&options](const std::string& text) { options.gpio_inputs = ParseHexByte(kGpioIn, text); },
          "Levels of the general-purpose pins, 0 to ff")
       ->type_name("HEX")
       ->check(CheckArgument, "");
-  app.add_flag("--registers{text}", options.registers,
+  app.add_flag(std::string(kRegisters) + "{text}", options.registers,
                "Print the register map and exit: --registers, --registers=svd (CMSIS-SVD) or "
                "--registers=json");
   app.add_option("--load", options.load_file, "Start with the state in FILE")
       ->type_name("FILE")
-      ->check(CheckArgument, "");
+      ->check(CheckName, "");
   app.add_option("--save", options.save_file, "Leave the state in FILE at the end")
       ->type_name("FILE")
-      ->check(CheckArgument, "");
+      ->check(CheckName, "");
   app.add_flag("--keep-delete", options.keep_delete, "Do not turn Delete into backspace");
+  for (CLI::Option* const option : app.get_options()) {
+    // RefuseRepeated has a better message.
+    if (option->get_expected_max() == 1) option->take_last();
+  }
+}
+
+/// Flags are there or not, although the parser would take a value for each.
+void RefuseFlagValues(const CLI::App& app, const std::vector<std::string>& words) {
+  for (const std::string& word : words) {
+    const std::size_t equals = word.find('=');
+    const CLI::Option* const option = app.get_option_no_throw(word.substr(0, equals));
+    if (equals == std::string::npos || option == nullptr) continue;
+    if (option->get_expected_max() != 0 || option->check_name(kRegisters)) continue;
+    throw UsageError(option->get_name() + " takes no value; leave '" + word.substr(equals) +
+                     "' out");
+  }
+}
+
+void RefuseRepeated(const CLI::App& app) {
+  for (const CLI::Option* const option : app.get_options()) {
+    if (option->get_expected_max() != 1 || option->count() < 2) continue;
+    throw UsageError(option->get_name() + " is given more than once, with '" +
+                     option->results()[0] + "' and '" + option->results()[1] + "'; give it once");
+  }
 }
 
 std::vector<std::string> OptionNames(const CLI::App& app) {
@@ -144,7 +148,7 @@ void RefuseUnknownArguments(const std::vector<std::string>& words, const CLI::Ap
   if (!unknown.empty()) throw UsageError(unknown);
   if (words.empty()) return;
   throw UsageError("unexpected argument '" + words.front() +
-                   "'; the value of an option stands behind it, that of --registers behind '='");
+                   "'; the value of an option stands after it, that of --registers after '='");
 }
 
 std::string RegisterMapIn(const std::string& format) {
@@ -158,10 +162,10 @@ std::string RegisterMapIn(const std::string& format) {
 
 /// Refuses options that contradict each other.
 void CheckTogether(const Options& options) {
-  if (options.pty_link && !options.commands.empty()) {
-    throw UsageError("--command and --pty: the lines come from one or the other");
+  if (options.pty_link && !ReadsConsole(options)) {
+    throw UsageError("--command and --pty: the board ends after the lines; --stay goes on");
   }
-  if (!options.plain || !options.commands.empty()) return;
+  if (!options.plain || !ReadsConsole(options)) return;
   if (options.pty_link || isatty(STDIN_FILENO) != 0) {
     throw UsageError("--plain is for lines given with -c or as a script on standard input");
   }
@@ -174,9 +178,11 @@ std::string PortOption(monitor::PortId port) { return std::string("--") + monito
 Options ParseOptions(int argc, const char* const* argv) {
   Options options;
   CLI::App app;
-  app.name("virtual-board");
+  app.name(kProgram);
+  app.formatter(std::make_shared<Formatter>());
   app.allow_extras();
   Describe(app, options);
+  RefuseFlagValues(app, {argv + std::min(argc, 1), argv + argc});
   try {
     app.parse(argc, argv);
   } catch (const CLI::CallForHelp&) {
@@ -189,6 +195,7 @@ Options ParseOptions(int argc, const char* const* argv) {
     throw UsageError(error.what());
   }
   RefuseUnknownArguments(app.remaining(), app);
+  RefuseRepeated(app);
   CheckTogether(options);
   CheckFileConflicts(options);
   if (options.registers) options.answer = RegisterMapIn(*options.registers);

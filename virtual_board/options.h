@@ -16,8 +16,11 @@ struct UsageError : std::runtime_error {
 
 /// What the command line asks for.
 struct Options {
-  std::vector<std::string> commands;        ///< Lines to run instead of what would be typed.
+  std::vector<std::string> init_files;      ///< Files of lines to run before all others.
+  std::vector<std::string> commands;        ///< Lines to run instead of what would be typed,
+  bool stay = false;                        ///< or before that.
   bool plain = false;                       ///< Only answers are printed, with plain line ends.
+  bool strict = false;                      ///< A complaint of the chip is a failure.
   std::optional<std::string> pty_link;      ///< Console on a pseudo-terminal under this link.
   std::optional<std::string> trace_file;    ///< Every bus access goes there.
   std::vector<std::string> faults;          ///< As SetFault takes them.
@@ -30,6 +33,11 @@ struct Options {
   std::optional<std::string> registers;     ///< Print the register map in this format.
   std::optional<std::string> answer;        ///< Text to print instead of a run.
 };
+
+/// True when lines are read from a console or script, not only those on the command line.
+[[nodiscard]] inline bool ReadsConsole(const Options& options) {
+  return options.commands.empty() || options.stay;
+}
 
 /// The option that connects a port, such as "--wan".
 [[nodiscard]] std::string PortOption(monitor::PortId port);

@@ -54,8 +54,7 @@ void Progress::Note(monitor::ShellEvent event) {
 
 void Progress::EndLine(int status) {
   runs_ = false;
-  ++lines_done_;
-  status_ = std::max(status_, status);
+  if (lines_done_++ < judged_) status_ = std::max(status_, status);
 }
 
 }  // namespace board

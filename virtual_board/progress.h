@@ -10,6 +10,9 @@ namespace board {
 /// What the monitor is doing, and how its lines have fared.
 class Progress {
  public:
+  /// Only so many lines, the first, count for the exit status.
+  explicit Progress(std::size_t judged) : judged_(judged) {}
+
   /// To be called with each event of the shell, as it comes.
   void Note(monitor::ShellEvent event);
 
@@ -23,12 +26,14 @@ class Progress {
   /// True once `exit` has been run.
   [[nodiscard]] bool Exited() const { return runs_; }
 
-  /// Exit status for the lines so far: that of the worst of them, 0 when all were carried out.
+  /// Exit status for the lines so far that count: that of the worst of them, 0 when all were
+  /// carried out.
   [[nodiscard]] int Status() const { return status_; }
 
  private:
   void EndLine(int status);
 
+  std::size_t judged_;
   std::string current_command_;
   bool runs_ = false;
   std::size_t lines_done_ = 0;

@@ -2,8 +2,11 @@
 
 #include <sys/epoll.h>
 
+#include <cerrno>
+#include <cstring>
 #include <utility>
 
+#include "mac/port_config.h"
 #include "mac/port_config_registers.h"
 
 namespace board {
@@ -13,9 +16,16 @@ using monitor::PortId;
 namespace {
 
 /// What a boot loader would have made of a port with something connected: up, 100 Mbit/s, full
-/// duplex. The chip itself starts with its ports down.
-constexpr std::uint8_t kPortUp =
-    monitor::kMacLinkUp.Mask() | monitor::kMacSpeed100.Mask() | monitor::kMacFullDuplex.Mask();
+/// duplex, its PHY on the MII. The chip itself starts with its ports down.
+void SetUpPort(chip::RegisterFile& registers, unsigned port) {
+  constexpr std::uint8_t kPortUp =
+      monitor::kMacLinkUp.Mask() | monitor::kMacSpeed100.Mask() | monitor::kMacFullDuplex.Mask();
+  constexpr std::array kInterface{monitor::kInterfaceWan, monitor::kInterfaceLan,
+                                  monitor::kInterfaceDmz};
+  registers.Set(monitor::kMacControl[port], kPortUp);
+  registers.Set(monitor::kInterfaceType, registers.Get(monitor::kInterfaceType) |
+                                             kInterface[port].Put(monitor::kInterfaceMii));
+}
 
 std::vector<std::string> InterfaceNames() {
   std::vector<std::string> names;
@@ -38,12 +48,12 @@ constexpr std::size_t kBuffersLeftFree = 64;
 
 Network::Network(chip::RouterChip& chip, const NetworkSetup& setup)
     : chip_(chip), watch_(epoll_create1(EPOLL_CLOEXEC)) {
+  if (!watch_.Open()) throw PortError(std::string("cannot watch ports: ") + std::strerror(errno));
   if (!setup.capture.empty()) capture_.emplace(setup.capture, InterfaceNames());
   for (const PortId port : monitor::kMacPorts) {
     ports_[port] = OpenPort(setup.ports[port], setup.options);
     if (!ports_[port]) continue;
-    if (!setup.keep_settings)
-      chip_.registers.Set(monitor::kMacControl[monitor::IndexOf(port)], kPortUp);
+    if (!setup.keep_settings) SetUpPort(chip_.registers, monitor::IndexOf(port));
     UpdateLink(port);
   }
   chip_.frames.on_transmit = [this](PortId port, std::span<const std::uint8_t> frame) {

@@ -4,6 +4,7 @@
 #include <sys/ioctl.h>
 #include <sys/socket.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstring>
@@ -16,12 +17,21 @@
 namespace board {
 namespace {
 
+/// What Ethernet pads shorter frames to, without the FCS.
+constexpr std::size_t kShortestFrame = 60;
+
 std::string Reason(int error) {
   if (error == EPERM || error == EACCES) {
     return std::string(std::strerror(error)) + "; run as root or with the right to administer " +
            "the network (CAP_NET_ADMIN)";
   }
   return std::strerror(error);
+}
+
+/// Why the kernel refuses to attach to the device of that name.
+std::string WhyNotAttached(const std::string& name, int error) {
+  if (error != EINVAL || if_nametoindex(name.c_str()) == 0) return Reason(error);
+  return name + " is not a TAP device; name one that is, or a new one, which is then made";
 }
 
 class TapPort : public Port {
@@ -33,7 +43,7 @@ class TapPort : public Port {
     ifreq request = Request();
     request.ifr_flags = IFF_TAP | IFF_NO_PI;
     if (ioctl(device_.Get(), TUNSETIFF, &request) < 0) {
-      throw PortError("tap:" + name + ": " + Reason(errno));
+      throw PortError("tap:" + name + ": " + WhyNotAttached(name, errno));
     }
     // The kernel numbers names such as "lan%d".
     name_ = request.ifr_name;
@@ -43,7 +53,7 @@ class TapPort : public Port {
   std::optional<Frame> Receive() override {
     if (!device_.Open()) return {};
     const ssize_t got = read(device_.Get(), buffer_.data(), buffer_.size());
-    if (got > 0) return Frame(buffer_.data(), static_cast<std::size_t>(got));
+    if (got > 0) return Padded(static_cast<std::size_t>(got));
     // A device that is down answers EIO and comes back; one that was removed does not.
     if (got < 0 && errno == EBADFD) Lose();
     return {};
@@ -58,6 +68,13 @@ class TapPort : public Port {
   [[nodiscard]] bool LinkUp() const override { return device_.Open(); }
 
  private:
+  /// The frame of `size` bytes in the buffer as a network card would have sent it.
+  Frame Padded(std::size_t size) {
+    if (size >= kShortestFrame) return {buffer_.data(), size};
+    std::fill(buffer_.begin() + size, buffer_.begin() + kShortestFrame, std::uint8_t{0});
+    return {buffer_.data(), kShortestFrame};
+  }
+
   [[nodiscard]] ifreq Request() const {
     ifreq request{};
     name_.copy(request.ifr_name, IFNAMSIZ - 1);
@@ -68,7 +85,7 @@ class TapPort : public Port {
   void BringUp() const {
     const Descriptor socket(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0));
     ifreq request = Request();
-    if (ioctl(socket.Get(), SIOCGIFFLAGS, &request) == 0) {
+    if (socket.Open() && ioctl(socket.Get(), SIOCGIFFLAGS, &request) == 0) {
       if ((request.ifr_flags & IFF_UP) != 0) return;
       request.ifr_flags |= IFF_UP;
       if (ioctl(socket.Get(), SIOCSIFFLAGS, &request) == 0) return;

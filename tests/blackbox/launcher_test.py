@@ -61,6 +61,29 @@ class Terminal(StandInTest):
         self.assertEqual(done.stderr, b"")
 
 
+class Arguments(StandInTest):
+    """It takes none: the monitor, and so the device, is left alone."""
+
+    def setUp(self):
+        super().setUp()
+        self.install(self.folder, MONITOR)
+
+    def test_help(self):
+        for option in ("--help", "-h"):
+            done = support.run([self.launcher, option], b"5\n")
+            self.assertEqual((done.returncode, done.stderr), (0, b""))
+            self.assertTrue(done.stdout.startswith(b"usage: debug-monitor-console"))
+            self.assertEqual(done.stdout.count(b"\n"), 1)
+
+    def test_others_are_refused(self):
+        for words in (["--version"], ["x"], [""], ["--help", "x"]):
+            done = support.run([self.launcher, *words], b"5\n")
+            self.assertEqual((done.returncode, done.stdout), (2, b""))
+            message = f"debug-monitor-console: unexpected argument '{words[0]}'"
+            self.assertTrue(done.stderr.decode().startswith(message), done.stderr)
+            self.assertEqual(done.stderr.count(b"\n"), 1)
+
+
 class Search(StandInTest):
     def environment(self, *folders):
         return {**os.environ, "PATH": os.pathsep.join([*folders, os.environ["PATH"]])}

@@ -1,5 +1,6 @@
 """The command line of virtual-board, and scripts on its standard input."""
 
+import json
 import os
 import tempfile
 import unittest
@@ -23,8 +24,22 @@ BAD_OPTIONS = [
     (["--pty"], ["--pty", "LINK"]),
     (["--fault"], ["--fault", "SPEC"]),
     (["--trace", "--pty"], ["--trace", "'--pty'"]),
-    (["--pty", "a", "--pty", "b"], ["--pty"]),
-    (["--keep-delete=maybe"], ["--keep-delete"]),
+    (["--trace", ""], ["--trace", "a file needs a name"]),
+    (["--trace", "-"], ["--trace", "'-'", "carry the console", "'./-'"]),
+    (["--capture", "-"], ["--capture", "'-'", "carry the console"]),
+    (["--uart", "-"], ["--uart", "'-'", "carry the console"]),
+    (["--load", "-"], ["--load", "'-'", "carry the console"]),
+    (["--save", "-"], ["--save", "'-'", "carry the console"]),
+    (["--pty", "-"], ["--pty", "'-'", "carry the console"]),
+    (["--lan", "pcap:-"], ["--lan", "'-'", "carry the console"]),
+    (["--lan", "pcap:,-"], ["--lan", "'-'", "carry the console"]),
+    (["--trace", "a", "--trace", "b"], ["--trace", "more than once", "'a'", "'b'"]),
+    (["--lan", "none", "--lan=unix:x"], ["--lan", "more than once", "'none'", "'unix:x'"]),
+    (["--realtime=5"], ["--realtime", "no value", "'=5'"]),
+    (["--plain=true"], ["--plain", "no value", "'=true'"]),
+    (["--version=1"], ["--version", "no value"]),
+    (["--pty", "a", "--pty", "b"], ["--pty", "'a'", "'b'"]),
+    (["--keep-delete=maybe"], ["--keep-delete", "no value", "'=maybe'"]),
     (["--uart"], ["--uart", "FILE"]),
     (["--capture"], ["--capture", "FILE"]),
     (["--gpio-in"], ["--gpio-in", "HEX"]),
@@ -32,9 +47,11 @@ BAD_OPTIONS = [
     (["--gpio-in", ""], ["--gpio-in", "''", "0 to ff"]),
     (["--gpio-in", "g"], ["--gpio-in", "'g'", "0 to ff"]),
     (["--gpio-in", "5x"], ["--gpio-in", "'5x'"]),
-    (["--gpio-in", "0x5"], ["--gpio-in", "'0x5'"]),
+    (["--gpio-in", "0x"], ["--gpio-in", "'0x'", "a5 or 0xa5"]),
+    (["--gpio-in", "0x100"], ["--gpio-in", "'0x100'"]),
+    (["--gpio-in", "0x-1"], ["--gpio-in", "'0x-1'"]),
     (["--gpio-in", "100"], ["--gpio-in", "'100'"]),
-    (["--gpio-in", "1", "--gpio-in", "2"], ["--gpio-in"]),
+    (["--gpio-in", "1", "--gpio-in", "2"], ["--gpio-in", "'1'", "'2'"]),
     (["--fault", ""], ["--fault"]),
     (["--fault", "hang"], ["hang", "engine is missing", "l3"]),
     (["--fault", "hang:"], ["''", "l3"]),
@@ -48,7 +65,7 @@ BAD_OPTIONS = [
     (["--fault", "slow:l3:99999999999"], ["'99999999999'", "4294967295"]),
     (["--capture", ""], ["--capture", "a file needs a name"]),
     (["--lan", "pcap:a,b,c"], ["--lan", "'pcap:a,b,c'"]),
-    (["--registers", "json"], ["'json'", "behind '='"]),
+    (["--registers", "json"], ["'json'", "after '='"]),
     (["--fault", "slow:l3:5:6"], ["'6'"]),
     (["--fault", "hang:l3:5"], ["'5'"]),
     (["--fault", "hang:l3", "busy:l3"], ["'busy:l3'"]),
@@ -78,6 +95,41 @@ class CommandLine(unittest.TestCase):
                           b"--load FILE", b"--save FILE",
                           b"--version", b"hang:ENGINE", b"slow:ENGINE:LOADS", b"l3"):
                 self.assertIn(piece, done.stdout)
+
+            self.assertIn(b"  --registers[=FORMAT] ", done.stdout)
+
+    def test_control_bytes_are_shown_as_escapes(self):
+        """What a terminal would obey, from the command line and from the system's answers."""
+        nowhere = "/nowhere/\n\r\t\x1b]0;\x07\x7f"
+        shown = r"/nowhere/\n\r\t\x1b]0;\x07\x7f"
+        cases = [
+            (["--\x1b[2J"], 2, r"'--\x1b[2J'"),
+            (["\x1b[2J"], 2, r"'\x1b[2J'"),
+            (["--fault", "hang:\n"], 2, r"hang:\n"),
+            (["--gpio-in", "\x07"], 2, r"'\x07'"),
+            (["--registers=\x1b"], 2, r"'\x1b'"),
+            (["--lan", "\x1b"], 2, r"'\x1b'"),
+            (["--plain=\x1b"], 2, r"'=\x1b'"),
+            (["--trace", "\x1b", "--trace", "\n"], 2, r"'\x1b' and '\n'"),
+            (["--uart", "\x1b", "--trace", "\x1b"], 2, r"'\x1b'"),
+            (["--trace", nowhere], 1, shown),
+            (["--uart", nowhere], 1, shown),
+            (["--capture", nowhere], 1, shown),
+            (["--load", nowhere], 1, shown),
+            (["--save", nowhere], 1, shown),
+            (["--pty", nowhere], 1, shown),
+            (["--lan", "pcap:" + nowhere], 1, shown),
+            (["--lan", "unix:" + nowhere], 1, shown),
+            # Other alphabets stay readable.
+            (["--trace", "/nowhere/\u00e9"], 1, "/nowhere/\u00e9"),
+        ]
+        for options, status, piece in cases:
+            with self.subTest(options):
+                done = run([BOARD, *options])
+                message = done.stderr.decode()
+                self.assertEqual((done.returncode, done.stdout), (status, b""))
+                self.assertIn(piece, message)
+                self.assertRegex(message, r"\A[^\x00-\x1f\x7f]+\n\Z")
 
     def test_version(self):
         done = run([BOARD, "--version"])
@@ -178,6 +230,8 @@ class Chip(unittest.TestCase):
         """Pins whose direction bit is 0 are inputs; the others show what is written to them."""
         self.assertEqual(self.output(b"gpio", "--gpio-in", "A5"), b"DATA: a5\n\r")
         self.assertEqual(self.output(b"gpio", "--gpio-in=0"), b"DATA:  0\n\r")
+        self.assertEqual(self.output(b"gpio", "--gpio-in", "0xA5"), b"DATA: a5\n\r")
+        self.assertEqual(self.output(b"gpio", "--gpio-in", "0X10"), b"DATA: 10\n\r")
         self.assertEqual(self.output(b"gpio"), b"DATA:  0\n\r")
 
     def test_bytes_of_the_uart(self):
@@ -205,13 +259,76 @@ class Chip(unittest.TestCase):
         # A read without effect leaves in the registers what was stored there for another slot.
         self.assertIn(b"INDEX:  6\tVALID\n\rIP: 10.1.2.0        MASK: 18", done.stdout)
 
-    def test_complaints_come_once_each(self):
-        done = run([BOARD], b"reg 1f00\nreg 1f01\nreg 1f00\n")
-        self.assertEqual(done.returncode, 0)
-        lines = done.stderr.decode().splitlines()
-        self.assertEqual(len(lines), 2)
-        self.assertIn("no register at 1f00", lines[0])
-        self.assertIn("no register at 1f01", lines[1])
+
+
+class Complaints(unittest.TestCase):
+    """What standard error tells of accesses that software should not make."""
+
+    PREFIX = "virtual-board: the chip complains: "
+
+    def complaints(self, lines, *options, status=0):
+        done = run([BOARD, *options], lines)
+        self.assertEqual(done.returncode, status, done.stderr)
+        told = done.stderr.decode().splitlines()
+        self.assertEqual([line for line in told if not line.startswith(self.PREFIX)], [])
+        return [line.removeprefix(self.PREFIX) for line in told]
+
+    def test_come_once_each(self):
+        told = self.complaints(b"reg 1f00\nreg 1f01\nreg 1f00\n")
+        self.assertEqual(told, ["no register at 1f00", "no register at 1f01"])
+
+    def test_neighbours_are_one_range(self):
+        told = self.complaints(b"reg 1f00 2\nreg 1eff 4\nreg 1ff0 10\n")
+        ranges = ["1f00-1f01", "1eff, 1f02", "1ff0-1fff"]
+        self.assertEqual(told, ["no register at " + text for text in ranges])
+
+    def test_whole_window(self):
+        """The ranges are those that the register map leaves free, on few lines."""
+        blocks = json.loads(run([BOARD, "--registers=json"]).stdout)["blocks"]
+        taken = set()
+        for register in (register for block in blocks for register in block["registers"]):
+            start = register["offset"]
+            taken.update(range(start, start + register["width"] // 8 * register["count"]))
+        free = [offset for offset in range(0x2000) if offset not in taken]
+        told = self.complaints(b"reg 0 2000\n")
+        self.assertLess(len(told), 10)
+        named = []
+        for text in told:
+            self.assertTrue(text.startswith("no register at "), text)
+            for part in text.removeprefix("no register at ").split(", "):
+                first, _, last = part.partition("-")
+                named += range(int(first, 16), int(last or first, 16) + 1)
+                self.assertNotEqual(first, last)
+        self.assertEqual(named, free)
+
+    def test_other_complaints_stay_in_order(self):
+        """The first offset comes before what the same line does next."""
+        told = self.complaints(b"reg 0ff 4 = 1 2 3 4\n")
+        self.assertEqual(told, ["no register at 00ff", "store to read-only CHIP_REVISION at 0101",
+                                "store to read-only CHIP_MODEL at 0102"])
+
+    def test_come_between_the_answer_and_the_prompt(self):
+        done = run(["sh", "-c", '"$0" 2>&1', BOARD], b"reg 1f00\n")
+        answer = done.stdout.removeprefix(START + b"reg 1f00\r\n").removesuffix(PROMPT)
+        self.assertTrue(answer.startswith(b"50001F00: 00"), answer)
+        told = self.PREFIX.encode() + b"no register at 1f00\n"
+        self.assertTrue(answer.endswith(b"\n\r" + told), answer)
+
+    def test_come_before_an_early_end(self):
+        for script in (b"reg 1f00\nexit\nzz\n", b"reg 1f00\nzz"):
+            self.assertEqual(self.complaints(script), ["no register at 1f00"])
+        with open("/dev/full", "wb") as full:
+            done = run([BOARD], b"reg 1f00\n", stdout=full)
+        self.assertIn(b"no register at 1f00\n", done.stderr)
+
+    def test_strict(self):
+        for line in (b"reg 1f00\n", b"reg 101 = 0\n"):
+            for end in (b"", b"exit\n"):
+                self.complaints(line + end, "--strict", status=1)
+        self.complaints(b"reg 100\nl3 5\nzz\n", "--strict")
+        for lines, status in ((["reg 1f00", "zz"], 1), (["zz"], 3), (["reg 100"], 0)):
+            commands = [word for line in lines for word in ("-c", line)]
+            self.complaints(b"", "--strict", "--plain", *commands, status=status)
 
 
 if __name__ == "__main__":

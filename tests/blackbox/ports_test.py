@@ -3,8 +3,10 @@
 import contextlib
 import os
 import re
+import resource
 import socket
 import struct
+import subprocess
 import threading
 import time
 
@@ -97,6 +99,59 @@ class Exchange(SocketTest):
         self.type(500 * line)
         self.type(b"zz\n")
         self.screen.until(UNKNOWN + PROMPT)
+
+    def limit_descriptors(self, limit):
+        _, hard = resource.prlimit(self.board.pid, resource.RLIMIT_NOFILE)
+        resource.prlimit(self.board.pid, resource.RLIMIT_NOFILE, (limit, hard))
+
+    def test_program_that_cannot_be_connected_for_a_while(self):
+        """The board has no descriptor left; it says so once, waits idly, and takes the program."""
+        self.start("--lan", "unix:" + self.lan)
+        self.command(b"macaddr m cpu " + frames.CPU_MAC.hex().encode())
+        self.command(AUTO)
+        before, _ = resource.prlimit(self.board.pid, resource.RLIMIT_NOFILE)
+        self.limit_descriptors(len(os.listdir(f"/proc/{self.board.pid}/fd")))
+        peer = self.connect(self.lan)
+        octets = frames.frame(60)
+        peer.send(octets)
+        message = f"virtual-board: unix:{self.lan}: cannot connect a program: Too many open files"
+        errors = support.Screen(self, self.board.stderr.fileno())
+        errors.shows(message.encode() + b"; trying again every second\n")
+        used = self.processor_seconds()
+        time.sleep(1.5)
+        self.assertLess(self.processor_seconds() - used, 0.1)
+        self.limit_descriptors(before)
+        self.screen.shows(frames.printed(0, octets))
+        peer.close()
+        # The next one is served at once, and told of anew when it cannot be.
+        peer = self.connect(self.lan)
+        peer.send(octets)
+        self.screen.shows(frames.printed(1, octets))
+        self.limit_descriptors(len(os.listdir(f"/proc/{self.board.pid}/fd")) - 1)
+        peer.close()
+        self.connect(self.lan)
+        errors.shows(message.encode() + b"; trying again every second\n")
+        self.assertEqual(self.leave(), "")
+
+    def test_start_without_descriptors(self):
+        """Whatever there are too few for, the message names the reason."""
+        refused = 0
+        for limit in range(4, 16):
+            def few(limit=limit):
+                resource.setrlimit(resource.RLIMIT_NOFILE, (limit, limit))
+
+            options = ["--lan", "unix:" + self.lan, "--wan", "unix:" + self.wan]
+            done = subprocess.run([BOARD, *options], input=b"exit\n", capture_output=True,
+                                  preexec_fn=few, check=False, timeout=support.DEADLINE)
+            message = done.stderr.decode()
+            if done.returncode == 0:
+                self.assertEqual(message, "")
+                continue
+            refused += 1
+            self.assertEqual(done.returncode, 1, message)
+            self.assertTrue(message.endswith(": Too many open files\n"), message)
+            self.assertEqual(os.listdir(self.folder), [])
+        self.assertIn(refused, range(1, 12))
 
     def test_socket_of_another_board_stays(self):
         self.start_with_peer()
@@ -285,6 +340,22 @@ class CommandLine(board.BoardTest):
                       b"--uart FILE", b"--gpio-in HEX", b"tap:NAME", b"pcap:IN,OUT",
                       b"pcap:,OUT", b"unix:PATH", b"SOCK_SEQPACKET"):
             self.assertIn(piece, text)
+
+    def test_connected_ports_start_as_a_boot_loader_leaves_them(self):
+        up = (b"LINK: UP\tSPEED: 100MBPS\n\rDUPLEX: FULL\tINTERFACE: MII\tLOOPBACK: NO\n\r"
+              b"FLOW CONTROL: OFF\tVLAN AWARE: FALSE\n\r")
+        down = (b"LINK: DOWN\tSPEED: 10MBPS\n\rDUPLEX: HALF\tINTERFACE: SERIAL\tLOOPBACK: NO\n\r"
+                b"FLOW CONTROL: OFF\tVLAN AWARE: FALSE\n\r")
+        names = ("wan", "lan", "dmz")
+        for connected in (("wan",), ("lan",), ("dmz",), names):
+            with self.subTest(connected):
+                options = [f"--{name}=pcap:,{self.path(name)}" for name in connected]
+                self.start(*options)
+                for name in names:
+                    shown = self.command(b"maccfg " + name.encode())
+                    wanted = up if name in connected else down
+                    self.assertEqual(shown, b"Port: " + name.upper().encode() + b"\t" + wanted)
+                self.leave()
 
     def test_none(self):
         done = support.run([BOARD, "--wan", "none", "--lan", "none", "--dmz", "none"], b"exit\n")

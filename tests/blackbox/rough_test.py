@@ -35,6 +35,8 @@ def on_a_small_disk(folder, command):
     """The command that runs another with a file system of 16 kilobytes on a folder."""
     return [*kernel_memory.UNSHARE, "sh", "-c", SMALL_DISK, "sh", folder, *command]
 
+OUTPUT_LOST = b": cannot write console output: No space left on device\n"
+
 
 class Program:
     """What both programs are put through; a mixin of test cases with a folder."""
@@ -71,7 +73,7 @@ class Program:
         with open("/dev/full", "wb") as full:
             done = support.run(self.command(), b"exit\n", stdout=full)
         self.assertEqual(done.returncode, 1)
-        self.assertIn(b"No space left on device", done.stderr)
+        self.assertEqual(done.stderr, self.NAME + OUTPUT_LOST)
 
     @unittest.skipIf(kernel_memory.WHY_NOT, kernel_memory.WHY_NOT)
     def test_disk_fills_up(self):
@@ -189,6 +191,7 @@ class Program:
 
 
 class DebugMonitor(Program, kernel_memory.KernelMemoryTest):
+    NAME = b"debug-monitor"
     GREETING = MAPPED + START
 
     def test_full_disk_without_device(self):
@@ -209,6 +212,8 @@ class DebugMonitor(Program, kernel_memory.KernelMemoryTest):
 
 
 class VirtualBoard(Program, unittest.TestCase):
+    NAME = b"virtual-board"
+
     def setUp(self):
         self.folder = tempfile.mkdtemp()
         self.addCleanup(shutil.rmtree, self.folder)
@@ -231,7 +236,7 @@ class VirtualBoard(Program, unittest.TestCase):
             with open("/dev/full", "wb") as full:
                 done = support.run([*self.command(), option], stdout=full)
             self.assertEqual(done.returncode, 1)
-            self.assertIn(b"No space left on device", done.stderr)
+            self.assertEqual(done.stderr, self.NAME + OUTPUT_LOST)
 
     @unittest.skipIf(kernel_memory.WHY_NOT, kernel_memory.WHY_NOT)
     def test_disk_of_a_file_fills_up(self):

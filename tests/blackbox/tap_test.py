@@ -81,8 +81,8 @@ class Arping(TapTest):
         self.command(b"arp auto")
 
     def reply(self, sender_ip, target_ip):
-        """The reply that arping's request draws; it pads nothing."""
-        return (
+        """The reply that arping's request draws, as long as the request is with its padding."""
+        reply = (
             self.peer_mac
             + frames.CPU_MAC
             + bytes.fromhex("0806 0001 0800 06 04 0002")
@@ -91,13 +91,14 @@ class Arping(TapTest):
             + self.peer_mac
             + bytes(target_ip)
         )
+        return reply.ljust(60, b"\0")
 
     def shown_replies(self, count):
         """The frames that the console shows, whose dumps have to be as documented."""
         replies = []
         for _ in range(count):
             self.screen.shows(b"\n\reply ARP packet\n\r")
-            lines = [self.screen.until(b"\n\r") for _ in range(3)]
+            lines = [self.screen.until(b"\n\r") for _ in range(4)]
             address = int(lines[0][:8], 16)
             self.assertEqual((address - frames.BUFFERS - 32) % 2048, 0)
             octets = bytes.fromhex("".join(line[10:].decode() for line in lines).replace("..", ""))
@@ -112,6 +113,7 @@ class Arping(TapTest):
         self.assertEqual(len(re.findall(r"reply from 10\.0\.0\.1 +\[02:11:22:33:44:55\]", output)), 2)
         wanted = self.reply((10, 0, 0, 1), (10, 0, 0, 2))
         self.assertEqual(self.shown_replies(2), 2 * [wanted])
+        self.check_counters(2)
         self.check_records("10.0.0.1", wanted, 2)
 
     def test_another_address_is_answered_with_the_askers_own(self):
@@ -121,6 +123,13 @@ class Arping(TapTest):
         self.assertEqual(self.shown_replies(1), [wanted])
         self.check_records("10.0.0.2", wanted, 1)
 
+    def check_counters(self, count):
+        """What a MAC sees of short frames: 64 bytes with the FCS, none too short."""
+        for name, value in (("frm64byte", count), ("undersizefrm", 0), ("byterecv", 64 * count),
+                            ("bytesent", 64 * count)):
+            shown = self.command(b"sc lan sc_" + name.encode())
+            self.assertEqual(int(shown.split(b":")[1], 16), value, name)
+
     def check_records(self, sender_ip, reply, count):
         """The capture of all ports, by its own names and as tcpdump reads it."""
         self.assertEqual(self.leave(), "")
@@ -128,12 +137,14 @@ class Arping(TapTest):
         self.assertEqual([(name, way) for name, way, _ in recorded],
                          count * [("lan", "in"), ("lan", "out")])
         self.assertEqual([octets for _, way, octets in recorded if way == "out"], count * [reply])
+        for octets in (octets for _, way, octets in recorded if way == "in"):
+            self.assertEqual((len(octets), octets[42:]), (60, bytes(18)))
         seen = subprocess.run(
             ["tcpdump", "-nn", "-r", self.path("record"), "arp[6:2] = 2"],
             capture_output=True,
             check=True,
         ).stdout.decode()
-        answer = f"ARP, Reply {sender_ip} is-at 02:11:22:33:44:55, length 28"
+        answer = f"ARP, Reply {sender_ip} is-at 02:11:22:33:44:55, length 46"
         self.assertEqual([answer in line for line in seen.splitlines()], count * [True], seen)
 
 
@@ -196,6 +207,15 @@ class NoRight(board.BoardTest):
     def test_bad_names(self):
         self.expect_refusal(NAMESPACE, "a-name-too-long0", "tap:a-name-too-long0", "too long")
         self.expect_refusal(NAMESPACE, "a/b", "tap:a/b", "Invalid argument")
+
+    @unittest.skipIf(WHY_NOT, WHY_NOT)
+    def test_devices_of_other_kinds(self):
+        """The loopback device, one end of a pair, a tunnel without Ethernet."""
+        make = "ip link add pair0 type veth peer name pair1; ip tuntap add tun0 mode tun; "
+        for name in ("lo", "pair0", "tun0"):
+            with self.subTest(name):
+                inside = [*NAMESPACE, "sh", "-c", make + 'exec "$@"', "sh"]
+                self.expect_refusal(inside, name, f"tap:{name}: {name} is not a TAP device; name one")
 
     @unittest.skipIf(WHY_NOT, WHY_NOT)
     def test_device_in_use(self):

@@ -322,6 +322,22 @@ TEST_F(Registers, ComplaintsAreCountedAndAnnouncedOnce) {
   EXPECT_EQ(announced, (std::vector<std::string>{"a", "b", "a"}));
 }
 
+TEST_F(Registers, OffsetsOfNobodyAreAnnouncedOnceByThemselves) {
+  std::vector<std::uint32_t> announced;
+  file_.on_unmapped = [&](std::uint32_t offset) { announced.push_back(offset); };
+  file_.on_complaint = [](const std::string& text) { FAIL() << text; };
+  file_.Store(0x302, 2, 0);
+  (void)file_.Load(0x300, 4);
+  EXPECT_EQ(announced, (std::vector<std::uint32_t>{0x302, 0x303, 0x300, 0x301}));
+  EXPECT_EQ(TakeComplaints(), (Counts{{"no register at 0300", 1},
+                                      {"no register at 0301", 1},
+                                      {"no register at 0302", 2},
+                                      {"no register at 0303", 2}}));
+  (void)file_.Load(0x303, 1);
+  EXPECT_EQ(announced.size(), 5U);
+  EXPECT_EQ(TakeComplaints(), (Counts{{"no register at 0303", 1}}));
+}
+
 TEST_F(Registers, TheObserverSeesEachAccess) {
   static constexpr Reg16 kReg{0x102};
   std::vector<std::string> seen;
