@@ -1,5 +1,9 @@
 #include "machine/trace.h"
 
+#include <array>
+#include <charconv>
+#include <string_view>
+
 #include "chip/hex.h"
 
 namespace board {
@@ -20,14 +24,14 @@ std::string MemoryNotation(const chip::Access& access) { return Notation("m", ac
 
 Trace::Trace(const std::string& path)
     : file_(path, "the trace"),
-      guard_([](void* self) { static_cast<Trace*>(self)->file_.FlushAtOnce(); }, this) {}
+      guard_([](void* self) { static_cast<Trace*>(self)->FlushAtOnce(); }, this) {}
+
+Trace::~Trace() { EndRun(); }
 
 void Trace::Start(chip::RouterChip& chip) {
   file_.Start();
-  chip.registers.Watch([this](const chip::Access& access) {
-    const std::string explanation = names_.Explain(access);
-    Add(RegisterNotation(access) + (explanation.empty() ? "" : "  " + explanation));
-  });
+  chip.registers.Watch(
+      [this](const chip::Access& access) { Add(RegisterNotation(access), &access); });
   chip.frames.memory.observer = [this](const chip::Access& access) { Add(MemoryNotation(access)); };
   chip.on_map = [this](std::uint16_t base) { Add("map " + chip::Hex(base, 4)); };
   chip.on_lock = [this](bool locked) { Add(locked ? "lock" : "unlock"); };
@@ -43,13 +47,49 @@ void Trace::MarkOnce(const std::string& cause) {
   mark_due_ = cause_ != marked_;
 }
 
-void Trace::Add(const std::string& event) {
+void Trace::Add(const std::string& event, const chip::Access* access) {
+  if (times_ != 0 && !mark_due_ && event == event_) {
+    ++times_;
+    return;
+  }
+  EndRun();
   if (mark_due_) {
     file_.Add("# " + cause_ + "\n");
     marked_ = cause_;
     mark_due_ = false;
   }
-  file_.Add(event + "\n");
+  event_ = event;
+  explanation_ = access != nullptr ? names_.Explain(*access) : "";
+  times_ = 1;
+}
+
+/// Also called in a signal handler.
+void Trace::EndRun() {
+  if (times_ == 0) return;
+  file_.Add(event_);
+  if (times_ != 1) {
+    std::array<char, 20> digits;
+    const char* const end = std::to_chars(digits.begin(), digits.end(), times_).ptr;
+    file_.Add(" x");
+    file_.Add(std::string_view(digits.begin(), end));
+  }
+  if (!explanation_.empty()) {
+    file_.Add("  ");
+    file_.Add(explanation_);
+  }
+  file_.Add("\n");
+  times_ = 0;
+}
+
+void Trace::Flush() {
+  EndRun();
+  file_.Flush();
+}
+
+void Trace::FlushAtOnce() {
+  file_.FlushAtOnce();
+  EndRun();
+  file_.FlushAtOnce();
 }
 
 }  // namespace board

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 #include "chip/router_chip.h"
@@ -10,11 +11,12 @@
 namespace board {
 
 /// A file with a line for each event on the bus, "w8 060e 05  L3_INDEX", and comment lines that
-/// say where they come from, "# l3 5".
+/// say where they come from, "# l3 5". Equal events in a row share a line, "r8 060d 02 x50 L3_...".
 class Trace {
  public:
   /// Throws std::system_error when the file cannot be opened.
   explicit Trace(const std::string& path);
+  ~Trace();
   Trace(const Trace&) = delete;
   Trace& operator=(const Trace&) = delete;
 
@@ -29,15 +31,21 @@ class Trace {
   void MarkOnce(const std::string& cause);
 
   /// Hands everything to the file. When a signal ends the program, it gets what it takes at once.
-  void Flush() { file_.Flush(); }
+  void Flush();
 
   /// True when events are missing in the file.
   [[nodiscard]] bool Failed() const { return file_.Failed(); }
 
  private:
-  void Add(const std::string& event);
+  /// An event; `access` when a register explains it.
+  void Add(const std::string& event, const chip::Access* access = nullptr);
+  void EndRun();
+  void FlushAtOnce();
 
   OutputFile file_;
+  std::string event_;        ///< The latest, which is not in the file yet,
+  std::string explanation_;  ///< what stands after it,
+  std::uint64_t times_ = 0;  ///< and how often it has happened in a row.
   std::string cause_;
   std::string marked_;     ///< The cause in the last comment line.
   bool mark_due_ = false;  ///< The next event begins with a comment line.
