@@ -64,14 +64,15 @@ char g_output[8192];
 std::size_t g_output_count = 0;
 
 /// Waits for an event on one of the descriptors; a negative time has no limit. The number of
-/// events; negative when the wait was refused.
+/// events; negative when the wait was refused, or a signal came. A look, which takes no time, is
+/// taken again then.
 int WaitForAny(pollfd* entries, nfds_t count, long microseconds) {
   const timespec limit{.tv_sec = microseconds / 1'000'000,
                        .tv_nsec = microseconds % 1'000'000 * 1000};
   int events;
   do {
     events = ppoll(entries, count, microseconds < 0 ? nullptr : &limit, nullptr);
-  } while (events < 0 && errno == EINTR);
+  } while (events < 0 && errno == EINTR && microseconds == 0);
   return events;
 }
 
@@ -154,10 +155,20 @@ void EndFlood() {
   if (g_flood == Flood::kBetweenLines) g_flood = Flood::kNone;
 }
 
+/// The reader of the output stands in the way of the program's end and gets nothing any more.
+bool g_output_abandoned = false;
+
+bool AbandonOutput() {
+  if (g_setup.abandon_output != nullptr) g_output_abandoned = g_setup.abandon_output();
+  return g_output_abandoned;
+}
+
 /// A message that does not go through the console, which may be what failed.
 void Complain(const char* reason) {
   const auto tell = [](const char* text) {
-    while (write(STDERR_FILENO, text, strlen(text)) < 0 && errno == EINTR) continue;
+    while (write(STDERR_FILENO, text, strlen(text)) < 0 && errno == EINTR && !AbandonOutput()) {
+      continue;
+    }
   };
   tell(g_setup.program);
   tell(": cannot write console output: ");
@@ -175,16 +186,14 @@ void Complain(const char* reason) {
 }
 
 void WriteAll(const char* text, std::size_t count) {
-  while (count != 0) {
+  while (count != 0 && !g_output_abandoned) {
     const ssize_t done = write(g_setup.output, text, count);
     if (done > 0) {
       text += done;
       count -= static_cast<std::size_t>(done);
-    } else if (done < 0 && errno == EAGAIN) {
-      WaitFor(g_setup.output, POLLOUT, -1);
-    } else if (done < 0 && errno == EINTR) {
-      // A signal may ask for the end, and the reader may never read on.
-      BetweenSteps();
+    } else if (done < 0 && (errno == EAGAIN || errno == EINTR)) {
+      const bool full = errno == EAGAIN;
+      if (!AbandonOutput() && full) WaitFor(g_setup.output, POLLOUT, -1);
     } else {
       GiveUpOutput();
     }

@@ -25,6 +25,8 @@ struct ConsoleSetup {
   /// Called when the monitor waits for input that has ended, maybe in the middle of a line, or
   /// fails with that error number.
   void (*at_end_of_input)(int error, bool in_line) = nullptr;
+  /// True: output is lost from now on. Asked when it would not go out or a signal came meanwhile.
+  bool (*abandon_output)() = nullptr;
   bool (*filter)(char c) = nullptr;  ///< True: a character is not to go to the output.
   /// Called at each look for a Ctrl-C in a long wait.
   void (*on_long_wait)(const Awaited& awaited) = nullptr;

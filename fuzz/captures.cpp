@@ -65,6 +65,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     (void)ReadAll(*Open(in.Path(), true));
     const auto port = Open(in.Path() + "," + out.Path());
     board::CaptureFile capture(record.Path(), {"wan"});
+    port->Start();
+    capture.Start();
     frames = ReadAll(*port);
     for (const auto& frame : frames) {
       Check(frame.size() <= kLongestFrame);

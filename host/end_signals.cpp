@@ -1,12 +1,10 @@
 #include "host/end_signals.h"
 
-#include <sys/eventfd.h>
-#include <unistd.h>
+#include <poll.h>
 
 #include <array>
 #include <cerrno>
-#include <csignal>
-#include <cstdint>
+#include <ctime>
 #include <system_error>
 
 namespace board {
@@ -14,8 +12,14 @@ namespace {
 
 constexpr std::array kSignals{SIGHUP, SIGINT, SIGTERM};
 
-volatile std::sig_atomic_t g_pending = 0;
-int g_event = -1;
+/// Interrupts system calls. Nobody else has a use for it here, and a stray one does no harm.
+constexpr int kTickSignal = SIGURG;
+constexpr long kTickNanoseconds = 50'000'000;
+constexpr int kTicksToOverdue = 10;
+
+volatile std::sig_atomic_t g_signal = 0;
+volatile std::sig_atomic_t g_ticks = 0;
+timer_t g_timer;
 std::array<struct sigaction, kSignals.size()> g_before;
 
 void Note(int signal) {
@@ -23,28 +27,56 @@ void Note(int signal) {
   for (std::size_t i = 0; i < kSignals.size(); ++i) {
     if (kSignals[i] == signal) sigaction(signal, &g_before[i], nullptr);
   }
-  g_pending = signal;
-  const std::uint64_t one = 1;
-  [[maybe_unused]] const ssize_t told = write(g_event, &one, sizeof(one));
+  g_signal = signal;
+  const itimerspec ticks{.it_interval = {.tv_sec = 0, .tv_nsec = kTickNanoseconds},
+                         .it_value = {.tv_sec = 0, .tv_nsec = kTickNanoseconds}};
+  timer_settime(g_timer, 0, &ticks, nullptr);
   errno = error;
 }
 
+void Tick(int /*signal*/) { g_ticks = g_ticks + 1; }
+
 }  // namespace
 
-EndSignals::EndSignals() {
-  g_event = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
-  if (g_event < 0) throw std::system_error(errno, std::generic_category(), "eventfd");
-  struct sigaction note {};
-  note.sa_handler = Note;
-  sigfillset(&note.sa_mask);
+void CatchEndSignals() {
+  sigevent event{};
+  event.sigev_notify = SIGEV_SIGNAL;
+  event.sigev_signo = kTickSignal;
+  if (timer_create(CLOCK_MONOTONIC, &event, &g_timer) < 0) {
+    throw std::system_error(errno, std::generic_category(), "cannot make a timer");
+  }
+  // Without SA_RESTART, so that what blocks comes back.
+  struct sigaction action {};
+  sigfillset(&action.sa_mask);
+  action.sa_handler = Tick;
+  sigaction(kTickSignal, &action, nullptr);
+  action.sa_handler = Note;
   for (std::size_t i = 0; i < kSignals.size(); ++i) {
     sigaction(kSignals[i], nullptr, &g_before[i]);
-    if (g_before[i].sa_handler != SIG_IGN) sigaction(kSignals[i], &note, nullptr);
+    if (g_before[i].sa_handler != SIG_IGN) sigaction(kSignals[i], &action, nullptr);
   }
 }
 
-int EndSignals::Fd() const { return g_event; }
+int EndSignal() { return g_signal; }
 
-int EndSignals::Pending() const { return g_pending; }
+bool EndIsOverdue() { return g_ticks >= kTicksToOverdue; }
+
+int RetryWrite(int fd) {
+  const int error = errno;
+  if (error != EINTR && error != EAGAIN) return error;
+  if (EndIsOverdue()) return EINTR;
+  if (error == EAGAIN) {
+    pollfd entry{.fd = fd, .events = POLLOUT, .revents = 0};
+    poll(&entry, 1, -1);
+  }
+  return 0;
+}
+
+Uninterrupted::Uninterrupted() {
+  sigset_t tick;
+  sigemptyset(&tick);
+  sigaddset(&tick, kTickSignal);
+  sigprocmask(SIG_BLOCK, &tick, &before_);
+}
 
 }  // namespace board

@@ -3,9 +3,11 @@
 #include <termios.h>
 #include <unistd.h>
 
-#include <iostream>
+#include <cerrno>
+#include <string_view>
 
 #include "console/console_port.h"
+#include "host/end_signals.h"
 #include "host/printable.h"
 
 namespace board {
@@ -22,11 +24,21 @@ bool OnRawTerminal() {
 
 void Report(const std::string& text) {
   monitor::ConsoleFlush();
-  const char* const end = OnRawTerminal() ? "\r\n" : "\n";
-  const char* const begin = OnRawTerminal() ? "\r\n" : "";
-  // A message that could not be written does not silence the next.
-  std::cerr.clear();
-  std::cerr << begin << std::string(kProgram) + ": " + Printable(text) + end;
+  const bool raw = OnRawTerminal();
+  const std::string line =
+      (raw ? "\r\n" : "") + (kProgram + (": " + Printable(text))) + (raw ? "\r\n" : "\n");
+  // A message that could not be written does not silence the next, unless nobody reads it.
+  static bool abandoned = false;
+  for (std::string_view left = line; !left.empty() && !abandoned;) {
+    const ssize_t done = write(STDERR_FILENO, left.data(), left.size());
+    if (done >= 0) {
+      left.remove_prefix(static_cast<std::size_t>(done));
+      continue;
+    }
+    const int error = RetryWrite(STDERR_FILENO);
+    abandoned = error == EINTR;
+    if (error != 0) return;
+  }
 }
 
 }  // namespace board

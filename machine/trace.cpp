@@ -1,22 +1,13 @@
 #include "machine/trace.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
-#include <cerrno>
-#include <csignal>
-#include <cstring>
-#include <system_error>
-#include <utility>
+#include <array>
+#include <charconv>
+#include <string_view>
 
 #include "chip/hex.h"
-#include "host/broken_pipe.h"
-#include "host/message.h"
 
 namespace board {
 namespace {
-
-constexpr mode_t kReadableByAll = 0666;
 
 /// An access in the notation of bus transcripts. `memory` marks frame buffer memory.
 std::string Notation(const char* memory, const chip::Access& access, unsigned address_digits) {
@@ -32,24 +23,15 @@ std::string MemoryNotation(const chip::Access& access) { return Notation("m", ac
 }  // namespace
 
 Trace::Trace(const std::string& path)
-    : path_(path),
-      file_(open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, kReadableByAll)),
-      guard_([](void* self) { static_cast<Trace*>(self)->WriteOut(); }, this) {
-  if (file_ < 0) {
-    throw std::system_error(errno, std::generic_category(), "cannot open the trace '" + path + "'");
-  }
-}
+    : file_(path, "the trace"),
+      guard_([](void* self) { static_cast<Trace*>(self)->FlushAtOnce(); }, this) {}
 
-Trace::~Trace() {
-  Flush();
-  if (file_ >= 0) close(file_);
-}
+Trace::~Trace() { EndRun(); }
 
-void Trace::Watch(chip::RouterChip& chip) {
-  chip.registers.Watch([this](const chip::Access& access) {
-    const std::string explanation = names_.Explain(access);
-    Add(RegisterNotation(access) + (explanation.empty() ? "" : "  " + explanation));
-  });
+void Trace::Start(chip::RouterChip& chip) {
+  file_.Start();
+  chip.registers.Watch(
+      [this](const chip::Access& access) { Add(RegisterNotation(access), &access); });
   chip.frames.memory.observer = [this](const chip::Access& access) { Add(MemoryNotation(access)); };
   chip.on_map = [this](std::uint16_t base) { Add("map " + chip::Hex(base, 4)); };
   chip.on_lock = [this](bool locked) { Add(locked ? "lock" : "unlock"); };
@@ -65,43 +47,49 @@ void Trace::MarkOnce(const std::string& cause) {
   mark_due_ = cause_ != marked_;
 }
 
-void Trace::Add(const std::string& event) {
+void Trace::Add(const std::string& event, const chip::Access* access) {
+  if (times_ != 0 && !mark_due_ && event == event_) {
+    ++times_;
+    return;
+  }
+  EndRun();
   if (mark_due_) {
-    AddLine("# " + cause_);
+    file_.Add("# " + cause_ + "\n");
     marked_ = cause_;
     mark_due_ = false;
   }
-  AddLine(event);
+  event_ = event;
+  explanation_ = access != nullptr ? names_.Explain(*access) : "";
+  times_ = 1;
 }
 
-void Trace::AddLine(const std::string& text) {
-  const std::string line = text + '\n';
-  if (line.size() > text_.size() - count_) Flush();
-  std::memcpy(text_.data() + count_, line.data(), line.size());
-  count_ += line.size();
+/// Also called in a signal handler.
+void Trace::EndRun() {
+  if (times_ == 0) return;
+  file_.Add(event_);
+  if (times_ != 1) {
+    std::array<char, 20> digits;
+    const char* const end = std::to_chars(digits.begin(), digits.end(), times_).ptr;
+    file_.Add(" x");
+    file_.Add(std::string_view(digits.begin(), end));
+  }
+  if (!explanation_.empty()) {
+    file_.Add("  ");
+    file_.Add(explanation_);
+  }
+  file_.Add("\n");
+  times_ = 0;
 }
 
 void Trace::Flush() {
-  WriteOut();
-  if (error_ == 0 || reported_) return;
-  reported_ = true;
-  Report("cannot write the trace '" + path_ + "': " + std::strerror(error_) + "; it ends here");
+  EndRun();
+  file_.Flush();
 }
 
-void Trace::WriteOut() {
-  const char* text = text_.data();
-  std::size_t count = count_;
-  count_ = 0;
-  const BrokenPipeIsError broken_pipe_is_error;
-  while (count != 0 && error_ == 0) {
-    const ssize_t done = write(file_, text, count);
-    if (done >= 0) {
-      text += done;
-      count -= static_cast<std::size_t>(done);
-    } else if (errno != EINTR) {
-      error_ = errno;
-    }
-  }
+void Trace::FlushAtOnce() {
+  file_.FlushAtOnce();
+  EndRun();
+  file_.FlushAtOnce();
 }
 
 }  // namespace board

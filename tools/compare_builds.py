@@ -84,11 +84,17 @@ def board_trace(board, lines, path):
     if done.returncode != 0:
         sys.exit(f"{board}: status {done.returncode}\n{done.stderr.decode()}")
     with open(path, encoding="latin-1") as file:
-        return [access for access in map(without_answer, file) if access]
+        return [access for line in file for access in times(line) * [without_answer(line)] if access]
+
+
+def times(line):
+    """How often the access happened: the trace counts equal ones in a row."""
+    count = re.match(r"(?:\w+ )+x(\d+)\b", line)
+    return int(count[1]) if count else 1
 
 
 def without_answer(line):
-    words = line.partition("#")[0].split()
+    words = re.sub(r" x\d+\b", "", line.partition("#")[0]).split()
     return " ".join(words[:2] if re.match("m?r", line) else words[:3])
 
 

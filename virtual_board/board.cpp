@@ -14,7 +14,7 @@
 
 #include "console/console_port.h"
 #include "console/posix_console.h"
-#include "host/broken_pipe.h"
+#include "host/end_signals.h"
 #include "host/message.h"
 #include "mac/packet_service.h"
 #include "machine/faults.h"
@@ -75,29 +75,24 @@ Board::Board(const Options& options)
   NetworkSetup network = options.network;
   network.keep_settings = options.load_file.has_value();
   network_.emplace(chip_, network);
-  if (options.uart_file) OpenUart(*options.uart_file);
+  if (options.uart_file) uart_.emplace(*options.uart_file, "the file");
   if (options.pty_link) pseudo_terminal_.emplace(*options.pty_link);
-  if (options.trace_file) OpenTrace(*options.trace_file);
+  if (options.trace_file) trace_.emplace(*options.trace_file);
   if (!ReadsConsole(options)) no_input_ = OpenNoInput();
+  StartFiles();
   OpenConsole(options.keep_delete);
-  if (!state_file_) return;
-  end_signals_.emplace();
-  network_->Watch(end_signals_->Fd());
+  CatchEndSignals();
 }
 
-void Board::OpenTrace(const std::string& path) { trace_.emplace(path).Watch(chip_); }
-
-void Board::OpenUart(const std::string& path) {
-  uart_.open(path, std::ios::binary | std::ios::trunc);
-  if (!uart_) {
-    throw std::system_error(errno, std::generic_category(), "cannot open the file '" + path + "'");
-  }
-  chip_.uart.on_transmit = [this, path](std::uint8_t byte) {
-    const BrokenPipeIsError guard;
-    if (!uart_ || uart_.put(static_cast<char>(byte)).flush()) return;
-    Report("cannot write the file '" + path + "': " + std::strerror(errno) + "; it ends here");
-    // Else its end would try once more.
-    uart_.close();
+void Board::StartFiles() {
+  network_->Start();
+  if (trace_) trace_->Start(chip_);
+  if (!uart_) return;
+  uart_->Start();
+  chip_.uart.on_transmit = [this](std::uint8_t byte) {
+    const char character = static_cast<char>(byte);
+    uart_->Add({&character, 1});
+    uart_->Flush();
   };
 }
 
@@ -124,7 +119,8 @@ void Board::OpenConsole(bool keep_delete) {
   setup.before_wait = [] { g_board->BeforeWait(); };
   if (options_.plain) setup.filter = [](char c) { return g_board->FilterOutput(c); };
   setup.on_long_wait = [](const monitor::Awaited& awaited) { g_board->TellOfLongWait(awaited); };
-  if (state_file_) setup.between_steps = [] { g_board->EndWhenSignalled(); };
+  setup.between_steps = [] { g_board->EndWhenSignalled(); };
+  setup.abandon_output = EndIsOverdue;
   monitor::ConsoleOpen(setup);
 }
 
@@ -132,18 +128,19 @@ int Board::Finish() {
   complaints_.Flush();
   const bool written = WriteAll();
   const int status = StatusOfLines();
+  // What a signal may have cut short is not a success.
+  if (written && EndSignal() != 0) std::raise(EndSignal());
   const bool forbidden = options_.strict && complaints_.Any();
   return written && !forbidden ? status : EXIT_FAILURE;
 }
 
 bool Board::WriteAll() {
+  // First what waits for nobody.
+  const bool saved = Save();
   network_->Flush();
-  bool failed = !Save() || network_->Failed() || !uart_;
-  if (trace_) {
-    trace_->Flush();
-    failed = failed || trace_->Failed();
-  }
-  return !failed;
+  if (trace_) trace_->Flush();
+  return saved && !network_->Failed() && !(uart_ && uart_->Failed()) &&
+         !(trace_ && trace_->Failed());
 }
 
 int Board::StatusOfLines() const {
@@ -190,6 +187,7 @@ void Board::TellOfLongWait(const monitor::Awaited& awaited) {
 bool Board::Save() {
   if (!state_file_) return true;
   try {
+    const Uninterrupted guard;
     state_file_->Save(chip_);
     return true;
   } catch (const std::exception& error) {
@@ -199,10 +197,9 @@ bool Board::Save() {
 }
 
 void Board::EndWhenSignalled() {
-  const int signal = end_signals_->Pending();
-  if (signal == 0) return;
+  if (EndSignal() == 0) return;
   if (!WriteAll()) std::exit(EXIT_FAILURE);
-  std::raise(signal);
+  std::raise(EndSignal());
 }
 
 bool Board::FramesPending() const { return network_->Pending(); }

@@ -1,12 +1,11 @@
 #pragma once
 
-#include <fstream>
 #include <optional>
 
 #include "chip/router_chip.h"
 #include "core/long_wait.h"
 #include "host/descriptor.h"
-#include "host/end_signals.h"
+#include "host/output_file.h"
 #include "machine/complaints.h"
 #include "machine/ports/network.h"
 #include "machine/state/state_file.h"
@@ -49,15 +48,15 @@ class Board {
   /// Lets frames in that have come from outside.
   void PollNetwork();
 
-  /// Ends the program when a signal asks for that and the state has to be saved first.
+  /// Ends the program when a signal asks for that, in order.
   void EndWhenSignalled();
 
   /// To be called before the monitor waits for input.
   void BeforeWait();
 
  private:
-  void OpenTrace(const std::string& path);
-  void OpenUart(const std::string& path);
+  /// Lets files lose what they held before.
+  void StartFiles();
   void OpenConsole(bool keep_delete);
   /// True for output that is no answer, and for what a plain line end has not.
   [[nodiscard]] bool FilterOutput(char c);
@@ -78,11 +77,10 @@ class Board {
   Complaints complaints_{chip_.registers};
   std::optional<PseudoTerminal> pseudo_terminal_;
   std::optional<Trace> trace_;
-  std::ofstream uart_;
+  std::optional<OutputFile> uart_;
   std::optional<Network> network_;
   std::optional<RawTerminal> terminal_;
   std::optional<StateFile> state_file_;
-  std::optional<EndSignals> end_signals_;
 };
 
 }  // namespace board

@@ -1,6 +1,5 @@
 // Replays a capture file into a port and writes what the port sends to another.
 #include <pcap/pcap.h>
-#include <sys/stat.h>
 #include <sys/timerfd.h>
 
 #include <algorithm>
@@ -9,11 +8,13 @@
 #include <cstdio>
 #include <cstring>
 #include <ctime>
+#include <string_view>
 
 #include "chip/mac/frame_limits.h"
-#include "host/broken_pipe.h"
 #include "host/descriptor.h"
+#include "host/end_signals.h"
 #include "host/message.h"
+#include "host/output_file.h"
 #include "machine/ports/port.h"
 
 namespace board {
@@ -24,12 +25,10 @@ constexpr std::int64_t kMostSeconds = 1LL << 33;
 
 struct CloseCapture {
   void operator()(pcap_t* capture) const { pcap_close(capture); }
-  void operator()(pcap_dumper_t* dumper) const { pcap_dump_close(dumper); }
 };
 
 using File = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 using Capture = std::unique_ptr<pcap_t, CloseCapture>;
-using Dumper = std::unique_ptr<pcap_dumper_t, CloseCapture>;
 
 /// Times that no clock shows, as a damaged capture may have, come out as the nearest that fits.
 std::int64_t Nanoseconds(const timespec& time) {
@@ -54,23 +53,42 @@ std::string About(const std::string& file, const std::string& reason) {
   return "pcap:" + (reason.starts_with(file + ": ") ? reason : file + ": " + reason);
 }
 
-/// System calls for captures are few with a buffer of this size; the usual one holds two frames.
-using FileBuffer = std::array<char, 65536>;
+/// The beginning of a pcap file. Numbers are in the host's byte order, which the magic number
+/// tells, as it does that times are in nanoseconds.
+struct PcapHeader {
+  std::uint32_t magic = 0xA1B23C4D;
+  std::uint16_t major_version = 2;
+  std::uint16_t minor_version = 4;
+  std::uint32_t zone = 0;
+  std::uint32_t accuracy = 0;
+  std::uint32_t longest = chip::kLongestBufferedFrame;
+  std::uint32_t link_type = 1;  ///< Ethernet
+};
+constexpr PcapHeader kPcapHeader;
 
-/// The buffer has to stay until the file is closed. Throws PortError.
-File OpenFile(const std::string& name, const char* mode, FileBuffer& buffer) {
-  File file(std::fopen(name.c_str(), mode), std::fclose);
-  if (!file) throw PortError(About(name, std::strerror(errno)));
-  std::setvbuf(file.get(), buffer.data(), _IOFBF, buffer.size());
-  return file;
+/// What comes before each frame.
+struct PcapFrame {
+  std::uint32_t seconds;
+  std::uint32_t nanoseconds;
+  std::uint32_t captured;
+  std::uint32_t length;
+};
+
+template <typename T>
+std::string_view BytesOf(const T& record) {
+  return {reinterpret_cast<const char*>(&record), sizeof(record)};
 }
 
 class CapturePort : public Port {
  public:
   CapturePort(const CaptureNames& names, const PortOptions& options) : name_(names.in) {
     if (!names.in.empty()) OpenInput(options.realtime);
-    if (!names.out.empty()) OpenOutput(names.out);
+    if (!names.out.empty()) output_.emplace(names.out, "the capture", BytesOf(kPcapHeader));
     Advance();
+  }
+
+  void Start() override {
+    if (output_) output_->Start();
   }
 
   std::optional<Frame> Receive() override {
@@ -81,33 +99,32 @@ class CapturePort : public Port {
   }
 
   void Send(Frame frame) override {
-    if (!dumper_) return;
-    // It costs two system calls, which are too many for each frame that goes to a file.
-    std::optional<BrokenPipeIsError> guard;
-    if (out_is_pipe_) guard.emplace();
+    if (!output_) return;
     const timespec now = WallClock();
-    pcap_pkthdr header{};
-    // The output counts nanoseconds where the structure says microseconds.
-    header.ts = {.tv_sec = now.tv_sec, .tv_usec = now.tv_nsec};
-    header.len = header.caplen = static_cast<bpf_u_int32>(frame.size());
-    pcap_dump(reinterpret_cast<u_char*>(dumper_.get()), &header, frame.data());
-    if (std::ferror(pcap_dump_file(dumper_.get())) != 0) GiveUpOutput();
+    const auto length = static_cast<std::uint32_t>(frame.size());
+    const PcapFrame header{.seconds = static_cast<std::uint32_t>(now.tv_sec),
+                           .nanoseconds = static_cast<std::uint32_t>(now.tv_nsec),
+                           .captured = length,
+                           .length = length};
+    output_->Add(BytesOf(header));
+    output_->Add({reinterpret_cast<const char*>(frame.data()), frame.size()});
   }
 
   void Flush() override {
-    const BrokenPipeIsError guard;
-    if (dumper_ && pcap_dump_flush(dumper_.get()) != 0) GiveUpOutput();
+    if (output_) output_->Flush();
   }
 
   [[nodiscard]] int WatchedFd() const override { return timer_.Get(); }
   [[nodiscard]] bool Waits() const override { return !timer_.Open(); }
   [[nodiscard]] bool Pending() const override { return pending_; }
-  [[nodiscard]] bool Failed() const override { return failed_; }
+  [[nodiscard]] bool Failed() const override { return failed_ || (output_ && output_->Failed()); }
 
  private:
   void OpenInput(bool realtime) {
     char error[PCAP_ERRBUF_SIZE];
-    File file = OpenFile(name_, "rbe", in_buffer_);
+    File file(std::fopen(name_.c_str(), "rbe"), std::fclose);
+    if (!file) throw PortError(About(name_, std::strerror(errno)));
+    std::setvbuf(file.get(), in_buffer_.data(), _IOFBF, in_buffer_.size());
     input_.reset(
         pcap_fopen_offline_with_tstamp_precision(file.get(), PCAP_TSTAMP_PRECISION_NANO, error));
     if (!input_) throw PortError(About(name_, error));
@@ -116,18 +133,6 @@ class CapturePort : public Port {
       throw PortError("pcap:" + name_ + ": frame 1: the link type is not Ethernet");
     }
     if (realtime) timer_ = Descriptor(timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC));
-  }
-
-  void OpenOutput(const std::string& out) {
-    out_name_ = out;
-    output_.reset(pcap_open_dead_with_tstamp_precision(DLT_EN10MB, chip::kLongestBufferedFrame,
-                                                       PCAP_TSTAMP_PRECISION_NANO));
-    File file = OpenFile(out, "wbe", out_buffer_);
-    struct stat about {};
-    out_is_pipe_ = fstat(fileno(file.get()), &about) == 0 && S_ISFIFO(about.st_mode);
-    dumper_.reset(pcap_dump_fopen(output_.get(), file.release()));
-    if (!dumper_) throw PortError(About(out, pcap_geterr(output_.get())));
-    if (pcap_dump_flush(dumper_.get()) != 0) throw PortError(CannotWrite());
   }
 
   /// Reads the frame that Receive answers next, and sets the timer to its time. What it answered
@@ -140,6 +145,8 @@ class CapturePort : public Port {
     const u_char* data;
     const int result = pcap_next_ex(input_.get(), &header, &data);
     if (result == PCAP_ERROR_BREAK) return Close();
+    // A signal that ends the board also ends the wait for a pipe's writer.
+    if (result != 1 && EndSignal() != 0) return Close();
     if (result != 1) return Fail(pcap_geterr(input_.get()));
     if (header->caplen > chip::kLongestBufferedFrame) {
       return Fail("longer than " + std::to_string(chip::kLongestBufferedFrame) + " bytes");
@@ -160,16 +167,6 @@ class CapturePort : public Port {
     timerfd_settime(timer_.Get(), TFD_TIMER_ABSTIME, &when, nullptr);
   }
 
-  [[nodiscard]] std::string CannotWrite() const {
-    return "pcap:" + out_name_ + ": cannot write: " + std::strerror(errno);
-  }
-
-  void GiveUpOutput() {
-    Report(CannotWrite());
-    failed_ = true;
-    dumper_.reset();
-  }
-
   void Fail(const std::string& reason) {
     Report("pcap:" + name_ + ": frame " + std::to_string(number_) + ": " + reason);
     failed_ = true;
@@ -182,13 +179,10 @@ class CapturePort : public Port {
   }
 
   std::string name_;
-  std::string out_name_;
-  bool out_is_pipe_ = false;
-  FileBuffer in_buffer_;
-  FileBuffer out_buffer_;
+  /// System calls are few with a buffer of this size; the usual one holds two frames.
+  std::array<char, 65536> in_buffer_;
   Capture input_;
-  Capture output_;
-  Dumper dumper_;
+  std::optional<OutputFile> output_;
   Descriptor timer_;
   Frame next_;             ///< What Receive answers next, or has answered last.
   bool pending_ = false;   ///< There is such a frame, or it is not known whether one follows.

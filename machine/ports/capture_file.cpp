@@ -1,12 +1,6 @@
 #include "machine/ports/capture_file.h"
 
-#include <cerrno>
 #include <chrono>
-#include <cstring>
-
-#include "host/broken_pipe.h"
-#include "host/message.h"
-#include "machine/ports/port.h"
 
 namespace board {
 namespace {
@@ -56,17 +50,23 @@ std::uint64_t WallClockNanoseconds() {
       std::chrono::duration_cast<std::chrono::nanoseconds>(now).count());
 }
 
-}  // namespace
+Bytes Block(std::uint32_t type, const Bytes& body) {
+  const auto total = static_cast<std::uint32_t>(body.size() + 12);
+  Bytes block;
+  Append(block, type);
+  Append(block, total);
+  block += body;
+  Append(block, total);
+  return block;
+}
 
-CaptureFile::CaptureFile(const std::string& path, const std::vector<std::string>& interfaces)
-    : path_(path), file_(path, std::ios::binary | std::ios::trunc) {
-  if (!file_) throw PortError(path + ": cannot write: " + std::strerror(errno));
+Bytes Header(const std::vector<std::string>& interfaces) {
   Bytes section;
   Append(section, kByteOrderMagic);
   Append(section, kMajorVersion);
   Append(section, kMinorVersion);
   Append(section, kUnknownLength);
-  WriteBlock(kSectionHeader, section);
+  Bytes header = Block(kSectionHeader, section);
   for (const std::string& name : interfaces) {
     Bytes description;
     Append(description, kEthernet);
@@ -75,15 +75,18 @@ CaptureFile::CaptureFile(const std::string& path, const std::vector<std::string>
     AppendOption(description, kOptionName, BytesOf(name));
     AppendOption(description, kOptionTimeResolution, std::span(&kNanoseconds, 1));
     AppendOption(description, kOptionEnd, {});
-    WriteBlock(kInterfaceDescription, description);
+    header += Block(kInterfaceDescription, description);
   }
-  if (!file_.flush()) throw PortError(path + ": cannot write: " + std::strerror(errno));
+  return header;
 }
+
+}  // namespace
+
+CaptureFile::CaptureFile(const std::string& path, const std::vector<std::string>& interfaces)
+    : file_(path, "the capture", Header(interfaces)) {}
 
 void CaptureFile::Record(unsigned interface, Direction direction,
                          std::span<const std::uint8_t> frame) {
-  if (failed_) return;
-  const BrokenPipeIsError guard;
   const std::uint64_t now = WallClockNanoseconds();
   const auto length = static_cast<std::uint32_t>(frame.size());
   Bytes packet;
@@ -97,23 +100,8 @@ void CaptureFile::Record(unsigned interface, Direction direction,
   Append(flags, static_cast<std::uint32_t>(direction));
   AppendOption(packet, kOptionFlags, BytesOf(flags));
   AppendOption(packet, kOptionEnd, {});
-  WriteBlock(kEnhancedPacket, packet);
-  if (!file_.flush()) {
-    Report(path_ + ": cannot write: " + std::strerror(errno));
-    failed_ = true;
-    // Else its end would try once more.
-    file_.close();
-  }
-}
-
-void CaptureFile::WriteBlock(std::uint32_t type, const std::string& body) {
-  const auto total = static_cast<std::uint32_t>(body.size() + 12);
-  Bytes block;
-  Append(block, type);
-  Append(block, total);
-  block += body;
-  Append(block, total);
-  file_.write(block.data(), static_cast<std::streamsize>(block.size()));
+  file_.Add(Block(kEnhancedPacket, packet));
+  file_.Flush();
 }
 
 }  // namespace board

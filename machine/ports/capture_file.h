@@ -2,10 +2,11 @@
 #pragma once
 
 #include <cstdint>
-#include <fstream>
 #include <span>
 #include <string>
 #include <vector>
+
+#include "host/output_file.h"
 
 namespace board {
 
@@ -13,21 +14,20 @@ enum class Direction : std::uint32_t { kInbound = 1, kOutbound = 2 };
 
 class CaptureFile {
  public:
-  /// Throws PortError when the file cannot be made. One interface for each name, in order.
+  /// One interface for each name, in order. Throws std::system_error.
   CaptureFile(const std::string& path, const std::vector<std::string>& interfaces);
+
+  /// Replaces the content of the file. Throws std::system_error.
+  void Start() { file_.Start(); }
 
   /// Records a frame of the interface with that number, with the time of the call.
   void Record(unsigned interface, Direction direction, std::span<const std::uint8_t> frame);
 
-  /// True when a frame could not be written; one message has been printed.
-  [[nodiscard]] bool Failed() const { return failed_; }
+  /// True when a frame could not be written.
+  [[nodiscard]] bool Failed() const { return file_.Failed(); }
 
  private:
-  void WriteBlock(std::uint32_t type, const std::string& body);
-
-  std::string path_;
-  std::ofstream file_;
-  bool failed_ = false;
+  OutputFile file_;
 };
 
 }  // namespace board

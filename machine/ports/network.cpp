@@ -62,6 +62,13 @@ Network::Network(chip::RouterChip& chip, const NetworkSetup& setup)
   chip_.interrupts.before_status = [this] { PollWhenDue(); };
 }
 
+void Network::Start() {
+  if (capture_) capture_->Start();
+  for (const auto& port : ports_) {
+    if (port) port->Start();
+  }
+}
+
 void Network::PollWhenDue() {
   // While the monitor works off what has come, looking for more can wait a little.
   if (chip_.frames.cpu.Waiting() && ++looks_ < kLooksBetweenPolls) return;
@@ -114,10 +121,7 @@ void Network::UpdateLink(PortId port) {
   // One that was closed has left the set by itself.
   if (watched_[port] >= 0) epoll_ctl(watch_.Get(), EPOLL_CTL_DEL, watched_[port], nullptr);
   watched_[port] = fd;
-  if (fd >= 0) Watch(fd);
-}
-
-void Network::Watch(int fd) {
+  if (fd < 0) return;
   epoll_event event{};
   event.events = EPOLLIN;
   epoll_ctl(watch_.Get(), EPOLL_CTL_ADD, fd, &event);

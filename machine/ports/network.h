@@ -22,8 +22,11 @@ struct NetworkSetup {
 
 class Network {
  public:
-  /// Throws PortError when something cannot be opened.
+  /// Throws std::runtime_error when something cannot be opened.
   Network(chip::RouterChip& chip, const NetworkSetup& setup);
+
+  /// Replaces what files held before. Throws std::system_error.
+  void Start();
 
   /// Moves frames that have come into the chip. Captures without timing of their own give no
   /// more than the chip has buffers for.
@@ -41,9 +44,6 @@ class Network {
 
   /// Descriptor that is readable when Poll has something to do.
   [[nodiscard]] int WatchedFd() const { return watch_.Get(); }
-
-  /// Makes WatchedFd readable when `fd` is.
-  void Watch(int fd);
 
   /// True while captures still have frames for a port that is up, or frames wait for the CPU.
   [[nodiscard]] bool Pending() const;

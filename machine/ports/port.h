@@ -22,6 +22,10 @@ class Port {
  public:
   virtual ~Port() = default;
 
+  /// Replaces what files held before, now that everything asked for could be opened. Throws
+  /// std::system_error.
+  virtual void Start() {}
+
   /// The next frame from outside, if one is here now. It stays until the next call.
   virtual std::optional<Frame> Receive() = 0;
 
@@ -63,7 +67,8 @@ struct CaptureNames {
 };
 [[nodiscard]] CaptureNames CapturesOf(const std::string& what);
 
-/// Opens what a port option names; null for none. Throws PortError.
+/// Opens what a port option names; null for none. Throws std::runtime_error, a PortError but for
+/// captures that cannot be written.
 [[nodiscard]] std::unique_ptr<Port> OpenPort(const std::string& what, const PortOptions& options);
 
 // The kinds, by what stands behind their colon.

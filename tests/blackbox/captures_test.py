@@ -217,10 +217,10 @@ class BadCapture(board.BoardTest):
         self.expect_no_start("pcap:," + out, out, "No such file")
 
     def test_full_disk(self):
-        self.expect_no_start("pcap:,/dev/full", "/dev/full: cannot write: No space left")
+        self.expect_no_start("pcap:,/dev/full", "'/dev/full': No space left")
         done = support.run([BOARD, "--capture", "/dev/full"], b"exit\n")
         self.assertEqual((done.returncode, done.stdout), (1, b""))
-        self.assertIn(b"/dev/full: cannot write: No space left", done.stderr)
+        self.assertIn(b"cannot write the capture '/dev/full': No space left", done.stderr)
 
 
 class OneFile(board.BoardTest):

@@ -3,6 +3,7 @@
 import os
 import signal
 import subprocess
+import sys
 import tempfile
 import termios
 import time
@@ -10,6 +11,29 @@ import unittest
 
 import support
 from support import PROMPT, START
+
+
+# A shell that stops its foreground job, takes the terminal back, and lets the job go on in the
+# background, until its end. Nobody is stopped for setting a terminal that is not his.
+SHELL = """
+import os, signal, sys, termios, time
+signal.signal(signal.SIGTTOU, signal.SIG_IGN)
+before = termios.tcgetattr(0)
+job = os.fork()
+if job == 0:
+    os.setpgid(0, 0)
+    os.tcsetpgrp(0, os.getpid())
+    os.execv(sys.argv[1], sys.argv[1:])
+while termios.tcgetattr(0) == before:
+    time.sleep(0.005)
+os.kill(job, signal.SIGSTOP)
+os.waitpid(job, os.WUNTRACED)
+os.tcsetpgrp(0, os.getpid())
+termios.tcsetattr(0, termios.TCSANOW, before)
+os.kill(job, signal.SIGCONT)
+os.kill(job, signal.SIGTERM)
+sys.exit(os.waitstatus_to_exitcode(os.waitpid(job, 0)[1]) + signal.SIGTERM)
+"""
 
 
 class TerminalTest(unittest.TestCase):
@@ -85,6 +109,12 @@ class Restored(TerminalTest):
         while self.terminal.settings() != mode and time.monotonic() < deadline:
             time.sleep(0.005)
         self.assertEqual(self.terminal.settings(), mode)
+
+    def test_mode_stays_in_the_background(self):
+        """Whoever has the terminal by then sets it."""
+        self.terminal.start([sys.executable, "-c", SHELL, support.program("VIRTUAL_BOARD")])
+        self.assertEqual(self.terminal.status(), 0)
+        self.expect_restored()
 
     def test_ignored_signals_stay_ignored(self):
         script = 'trap "" INT; exec "$0"'

@@ -72,20 +72,22 @@ ScriptedBus::Event ScriptedBus::Parse(const std::string& line) {
   if (std::find(std::begin(kKinds), std::end(kKinds), event.kind) == std::end(kKinds)) {
     throw std::invalid_argument("unknown event:" + line);
   }
-  if (IsLockEvent(event.kind)) return event;
-  if (!(words >> std::hex >> event.address)) throw std::invalid_argument("no address:" + line);
-  if (event.kind == "map") {
-    std::string word;
-    event.value = words >> word && word == "fails" ? kMapFails : kMapWorks;
-    return event;
+  const bool lock = IsLockEvent(event.kind);
+  const bool map = event.kind == "map";
+  if (!lock && !(words >> std::hex >> event.address)) {
+    throw std::invalid_argument("no address:" + line);
   }
-  if (!(words >> event.value)) throw std::invalid_argument("no value:" + line);
-  std::string times;
-  const bool more = static_cast<bool>(words >> times);
-  const bool register_name = more && times[0] >= 'A' && times[0] <= 'Z';
-  if (more && !register_name) {
-    if (times[0] != 'x') throw std::invalid_argument("not a repeat count:" + line);
-    event.times = static_cast<unsigned>(std::stoul(times.substr(1)));
+  if (!lock && !map && !(words >> event.value)) throw std::invalid_argument("no value:" + line);
+  if (map) event.value = kMapWorks;
+  std::string more;
+  if (!(words >> more)) return event;
+  const bool register_name = more[0] >= 'A' && more[0] <= 'Z';
+  if (map && more == "fails") {
+    event.value = kMapFails;
+  } else if (more[0] == 'x') {
+    event.times = static_cast<unsigned>(std::stoul(more.substr(1)));
+  } else if (!register_name) {
+    throw std::invalid_argument("not a repeat count:" + line);
   }
   return event;
 }

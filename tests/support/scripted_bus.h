@@ -3,7 +3,7 @@
 // A transcript has an event a line, in total order; "#" and what follows is commentary:
 //   w8 060e 05          a store of 8, 16 or 32 bits: offset, register value (big-endian reading)
 //   r8 060d a7          a load and its answer
-//   r8 060d a5 x10000   the same event many times
+//   r8 060d a5 x10000   the same event many times; each kind can have a count
 //   r8 060c 32  L3_FLAGS port=2    a register's name, as traces have it, is commentary as well
 //   mw16 12340000 0040  a store to frame buffer memory by bus address; loads are mr8 and mr16
 //   map 1234            MemoryMap of that base; "map 1234 fails" answers false
