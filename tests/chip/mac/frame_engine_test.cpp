@@ -120,7 +120,8 @@ TEST_F(Frames, AReceivedFrameIsOfferedInItsBuffer) {
   EXPECT_TRUE(chip_.frames.Receive(kDmz, SomeFrame(0x5EA)));
   EXPECT_EQ(Events(), 0x0010U);
   EXPECT_EQ(Load8(0x426), 0x10);
-  EXPECT_EQ(Memory(0x01008000, 2), 0x5EA);
+  EXPECT_EQ(Memory(0x01008000), 0xEA);
+  EXPECT_EQ(Memory(0x01008001), 0x05);
   EXPECT_EQ(Memory(0x01008009), 0x04);
   EXPECT_EQ(Memory(0x0100800A), 0x04);
   EXPECT_EQ(Memory(0x01008020), 0x00);
@@ -240,6 +241,18 @@ TEST_F(Frames, ATransmissionLeavesAtTheSecondLoadBehindTheStart) {
   Store8(0x42B, 0x00);
   EXPECT_EQ(Load8(0x42B), 0x02);
   EXPECT_EQ(sent_.size(), 1U);
+}
+
+TEST_F(Frames, TheLengthToSendIsLittleEndian) {
+  chip_.frames.memory.Store(0x01000800, 1, 0x2C);
+  chip_.frames.memory.Store(0x01000801, 1, 0x01);
+  Store8(0x42A, 0x02);
+  Store8(0x429, 0x01);
+  Store8(0x42B, 0x01);
+  (void)Load8(0x42B);
+  (void)Load8(0x42B);
+  ASSERT_EQ(sent_.size(), 1U);
+  EXPECT_EQ(sent_[0].frame.size(), 0x12CU);
 }
 
 TEST_F(Frames, EveryBufferCanBeSentHandle0AndPooledOnesIncluded) {
