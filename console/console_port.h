@@ -26,7 +26,8 @@ void ConsoleIdle(long microseconds);
 
 /// For waits that may not end: flushes, and when the console is a terminal on which Ctrl-C has
 /// been typed, discards the input up to and including it and answers true. Input without a
-/// Ctrl-C is kept. Never true when input comes from a pipe or a file.
+/// Ctrl-C is kept. Also true when the terminal has hung up, if the program outlives that. Never
+/// true when input comes from a pipe or a file.
 [[nodiscard]] bool ConsoleInterrupted();
 
 }  // namespace monitor
