@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -25,8 +26,8 @@ constexpr char kDelete = 127;
 
 constexpr int kExitFailure = 1;
 
-/// Pause between reads of an input that has ended: a terminal that hung up or a pipe without a
-/// writer is always "ready" and must not keep the processor busy, but may come back.
+/// Pause between reads of an input that has ended: a pipe without a writer is always "ready" and
+/// must not keep the processor busy, but may come back.
 constexpr long kEndedPauseMicroseconds = 100'000;
 
 ConsoleSetup g_setup;
@@ -115,6 +116,17 @@ std::size_t ReadWaiting(char* text, std::size_t room) {
 
 void BetweenSteps() {
   if (g_setup.between_steps != nullptr) g_setup.between_steps();
+}
+
+/// True when the input is a terminal that has hung up, from which nobody can ever type again. The
+/// kernel signals that on a controlling terminal only, so the program is ended by the same signal
+/// on any other; this returns if it is ignored.
+bool HungUp() {
+  if (isatty(g_setup.input) != 0 || errno != EIO) return false;
+  raise(SIGHUP);
+  // The program may have put its end off until now.
+  BetweenSteps();
+  return true;
 }
 
 /// Discards the input up to and including a Ctrl-C; false, with the input kept, without one.
@@ -275,6 +287,7 @@ void ConsoleWait(long microseconds) {
     WaitForInputOrWatched(microseconds);
     return;
   }
+  (void)HungUp();
   if (g_setup.at_end_of_input != nullptr) g_setup.at_end_of_input(g_input_error, g_in_line);
   const bool shorter = microseconds >= 0 && microseconds < kEndedPauseMicroseconds;
   Sleep(shorter ? microseconds : kEndedPauseMicroseconds);
@@ -289,7 +302,7 @@ bool WaitInterrupted(const Awaited& awaited) {
   BetweenSteps();
   ConsoleFlush();
   if (g_setup.on_long_wait != nullptr) g_setup.on_long_wait(awaited);
-  if (isatty(g_setup.input) == 0) return false;
+  if (isatty(g_setup.input) == 0) return HungUp();
   if (g_input_begin != 0) {
     memmove(g_input, g_input + g_input_begin, g_input_end - g_input_begin);
     g_input_end -= g_input_begin;

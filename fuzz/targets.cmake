@@ -1,6 +1,10 @@
-# The fuzz targets, each of one source, and what they link.
-set(fuzz_targets console frames)
+# The fuzz targets, each of a source of its name and perhaps more, and what they link.
+set(fuzz_targets console console_port frames)
 set(libraries_of_console monitor chip)
+set(libraries_of_console_port console)
+set(sources_of_console_port ${CMAKE_SOURCE_DIR}/fuzz/scripted_kernel.cpp)
+set(link_options_of_console_port
+    LINKER:--wrap=read,--wrap=write,--wrap=ppoll,--wrap=isatty,--wrap=nanosleep)
 set(libraries_of_frames monitor chip)
 if(TARGET board)
   list(APPEND fuzz_targets captures options state)

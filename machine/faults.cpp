@@ -1,6 +1,7 @@
 #include "machine/faults.h"
 
 #include <charconv>
+#include <memory>
 #include <sstream>
 #include <vector>
 
@@ -97,7 +98,9 @@ void SetFault(chip::RouterChip& chip, const std::string& spec) {
 std::string DescribeFaults() {
   std::string text = "Faults:\n";
   for (const Kind& kind : kKinds) text += std::string("  ") + kind.meaning + "\n";
-  return text + "  Engines: " + Listed(chip::RouterChip().FaultNames()) + "\n";
+  // Too large for a small stack.
+  const auto chip = std::make_unique<chip::RouterChip>();
+  return text + "  Engines: " + Listed(chip->FaultNames()) + "\n";
 }
 
 }  // namespace board

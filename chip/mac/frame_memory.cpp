@@ -1,6 +1,7 @@
 #include "chip/mac/frame_memory.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "chip/hex.h"
 #include "mac/frame_registers.h"
@@ -77,13 +78,11 @@ std::uint8_t& FrameMemory::HeaderByte(unsigned handle, std::uint32_t offset) {
 }
 
 std::uint16_t FrameMemory::HeaderLength(unsigned handle) const {
-  std::uint16_t length;
-  std::memcpy(&length, &bytes_[handle * kBufferSize + kHeaderLength], sizeof(length));
-  return length;
+  return Get(handle * kBufferSize + kHeaderLength, sizeof(std::uint16_t));
 }
 
 void FrameMemory::SetHeaderLength(unsigned handle, std::uint16_t length) {
-  std::memcpy(&bytes_[handle * kBufferSize + kHeaderLength], &length, sizeof(length));
+  Set(handle * kBufferSize + kHeaderLength, sizeof(length), length);
 }
 
 std::span<std::uint8_t> FrameMemory::Frame(unsigned handle, std::size_t length) {

@@ -2,7 +2,6 @@
 // gives. The contents move with the register.
 #pragma once
 
-#include <cstring>
 #include <functional>
 #include <span>
 #include <vector>
@@ -24,8 +23,9 @@ class FrameMemory {
   void Reset();
   void State(StateArchive& archive);
 
-  /// A bus load or store of 1 or 2 bytes; halfwords are in the host's byte order. An access
-  /// outside the buffers is complained about and reads as all ones.
+  /// A bus load or store of 1 or 2 bytes. Halfwords are little-endian on every host, as the
+  /// processor of the board is. An access outside the buffers is complained about and reads as all
+  /// ones.
   [[nodiscard]] std::uint16_t Load(std::uint32_t address, unsigned width) {
     const std::uint32_t at = Offset(address);
     return observer || !IsProper(at, width) ? LoadSpecial(address, width) : Get(at, width);
@@ -70,16 +70,11 @@ class FrameMemory {
   }
   [[nodiscard]] std::uint16_t Get(std::uint32_t at, unsigned width) const {
     if (width == 1) return bytes_[at];
-    std::uint16_t value;
-    std::memcpy(&value, &bytes_[at], sizeof(value));
-    return value;
+    return static_cast<std::uint16_t>(bytes_[at + 1] << 8 | bytes_[at]);
   }
   void Set(std::uint32_t at, unsigned width, std::uint16_t value) {
-    if (width == 1) {
-      bytes_[at] = static_cast<std::uint8_t>(value);
-    } else {
-      std::memcpy(&bytes_[at], &value, sizeof(value));
-    }
+    bytes_[at] = static_cast<std::uint8_t>(value);
+    if (width == 2) bytes_[at + 1] = static_cast<std::uint8_t>(value >> 8);
   }
 
   // An access that is watched or not proper.

@@ -34,7 +34,7 @@ std::string ReadAll(const std::string& path) {
   const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
   if (!file.Open()) Fail(doing, path);
   std::string text;
-  std::array<char, 65536> piece;
+  std::array<char, 4096> piece;
   for (;;) {
     const ssize_t got = read(file.Get(), piece.data(), piece.size());
     if (got == 0) return text;

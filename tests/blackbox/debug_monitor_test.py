@@ -2,10 +2,12 @@
 
 import os
 import re
+import struct
 import subprocess
 import time
 import tty
 
+import frames
 import kernel_memory
 import support
 from kernel_memory import MAPPED
@@ -148,6 +150,25 @@ class Registers(kernel_memory.KernelMemoryTest):
         self.store(0x610, bytes.fromhex("12345678"))
         self.answer_engine(0x60D, b"\x12", b"\x13")
         screen.shows(b"l3 c 5\r\nINDEX: 5 COUNTER:12345678\n\r" + PROMPT)
+
+
+class BufferMemory(kernel_memory.KernelMemoryTest):
+    def test_longest_frame_of_the_last_buffer(self):
+        """It ends after the buffers, in the page that is mapped for that."""
+        buffer = 0x01000000 + 255 * 2048
+        frame = bytes(number % 251 for number in range(0x7FF))
+        self.store(0x10C, b"\x01\x00")
+        self.store(0x210, b"\x00\x10")
+        self.store(0x426, b"\xff")
+        os.pwrite(self.memory, struct.pack("=H7xBB", len(frame), 2, 4), buffer)
+        os.pwrite(self.memory, frame, buffer + 32)
+        monitor = subprocess.Popen(self.command(), stdin=subprocess.PIPE, stdout=subprocess.PIPE)
+        self.addCleanup(support.end, monitor)
+        screen = support.Screen(self, monitor.stdout.fileno())
+        monitor.stdin.write(b"frame r\n")
+        monitor.stdin.flush()
+        screen.until(b"frame r\r\nPacket length=0x7ff    reason=0x04\n\r")
+        screen.shows(frames.dump(buffer + 32, frame))
 
 
 class MovingBase(kernel_memory.KernelMemoryTest):

@@ -4,11 +4,14 @@ import os
 import shutil
 import signal
 import subprocess
+import termios
+import time
 import unittest
 
 import launcher
 import support
-from support import PROMPT, UNKNOWN
+from kernel_memory import MAPPED
+from support import PROMPT, START, UNKNOWN
 
 # Stands in for the monitor: tells that it runs and its number, takes a line, ends with it.
 MONITOR = """#!/bin/sh
@@ -16,6 +19,12 @@ echo "running $$"
 read -r line
 exit "$line"
 """
+
+
+def only_child(pid):
+    with open(f"/proc/{pid}/task/{pid}/children", encoding="ascii") as file:
+        [child] = file.read().split()
+    return int(child)
 
 
 class StandInTest(launcher.LauncherTest):
@@ -54,6 +63,25 @@ class Terminal(StandInTest):
         os.kill(monitor, signal.SIGKILL)
         self.expect_end(128 + signal.SIGKILL)
 
+    def check_stopped_line(self, last_command):
+        self.install(self.folder, MONITOR.replace('exit "$line"', last_command))
+        monitor = self.start()
+        termios.tcflow(self.terminal.fd, termios.TCOOFF)
+        self.addCleanup(termios.tcflow, self.terminal.fd, termios.TCOON)
+        self.terminal.type(b"\r")
+        # Nothing tells that the output waits; a signal before that is no harder to obey.
+        time.sleep(0.2)
+        self.terminal.process.terminate()
+        self.expect_end(128 + signal.SIGTERM)
+        self.assertFalse(os.path.exists(f"/proc/{monitor}"))
+
+    def test_line_is_stopped(self):
+        """The monitor waits for the line in the middle of its output when the signal comes."""
+        self.check_stopped_line("exec head -c 100000 /dev/zero")
+
+    def test_line_is_stopped_and_others_wait_for_it(self):
+        self.check_stopped_line("head -c 100000 /dev/zero; exit")
+
     def test_no_terminal(self):
         done = support.run([self.launcher], b"5\n")
         self.assertEqual(done.returncode, 5)
@@ -82,6 +110,44 @@ class Arguments(StandInTest):
             message = f"debug-monitor-console: unexpected argument '{words[0]}'"
             self.assertTrue(done.stderr.decode().startswith(message), done.stderr)
             self.assertEqual(done.stderr.count(b"\n"), 1)
+
+
+class JobControl(StandInTest):
+    """The launcher as the job of a shell that takes the terminal back when the job stops."""
+
+    def start_job(self, script):
+        """Runs the launcher, $0, in a script of the shell; its process group."""
+        self.install(self.folder, MONITOR)
+        self.terminal.start(["sh", "-c", "set -m; " + script, self.launcher])
+        self.terminal.screen.until(b"running ")
+        return os.getpgid(int(self.terminal.screen.until(b"\n")))
+
+    def stop(self, group):
+        os.killpg(group, signal.SIGSTOP)
+        self.terminal.screen.until(b"stopped")
+
+    def test_stop_and_go_on(self):
+        group = self.start_job('set=$(stty -g); "$0"; stty "$set"; echo stopped; read -r line; fg')
+        self.assertTrue(support.is_editor_mode(self.terminal.settings()))
+        self.stop(group)
+        self.assertEqual(self.terminal.settings(), self.before)
+        self.terminal.type(b"\r")
+        deadline = time.monotonic() + support.DEADLINE
+        while not support.is_editor_mode(self.terminal.settings()):
+            self.assertLess(time.monotonic(), deadline, "the terminal is not set again")
+            time.sleep(0.01)
+        self.terminal.type(b"7\r")
+        self.expect_end(7)
+
+    def test_end_in_the_background(self):
+        """The terminal is the shell's then, and keeps the shell's settings."""
+        end = "kill -s TERM %1; bg; wait %1; exit $?"
+        group = self.start_job(f'"$0"; stty -echo; echo stopped; read -r line; {end}')
+        self.stop(group)
+        shells = self.terminal.settings()
+        self.terminal.type(b"\r")
+        self.assertEqual(self.terminal.status(), 128 + signal.SIGTERM)
+        self.assertEqual(self.terminal.settings(), shells)
 
 
 class Search(StandInTest):
@@ -123,6 +189,22 @@ class RealMonitor(launcher.RealMonitorTest):
         self.terminal.type(b"exit\r")
         screen.shows(b"exit\r\n")
         self.expect_end(0)
+
+    def test_killed_launcher_leaves_nobody_on_a_terminal_that_hangs_up(self):
+        """In the background of the shell that goes on, no signal tells the monitor of that."""
+        self.install_monitor(self.path)
+        self.terminal.start(["sh", "-c", 'set -m; "$0"; read -r line', self.launcher])
+        self.terminal.screen.shows(MAPPED + START)
+        launched = only_child(self.terminal.process.pid)
+        monitor = only_child(launched)
+        os.kill(launched, signal.SIGKILL)
+        self.terminal.screen.until(b"Killed")
+        self.assertTrue(os.path.exists(f"/proc/{monitor}"))
+        self.terminal.hang_up()
+        deadline = time.monotonic() + support.DEADLINE
+        while os.path.exists(f"/proc/{monitor}"):
+            self.assertLess(time.monotonic(), deadline, "the monitor stays")
+            time.sleep(0.01)
 
     def test_no_device(self):
         self.install_monitor("")

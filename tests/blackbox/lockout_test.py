@@ -230,6 +230,17 @@ class VirtualBoard(Operator, unittest.TestCase):
     def test_too_much_typed_ahead_is_lost_in_whole_lines(self):
         self.check_too_much(b"", b"kept\r", b"kept\r\n" + UNKNOWN + PROMPT)
 
+    def test_all_that_may_be_typed_ahead(self):
+        """256 lines of 12 characters are the 3072 that are kept."""
+        self.start("--fault", slow("l3"))
+        self.enter(b"l3 0")
+        lines = [b"zz %08d\r" % number for number in range(256)]
+        self.terminal.type(b"".join(lines))
+        self.terminal.screen.shows(support.EMPTY_ROUTE % 0 + PROMPT)
+        for line in lines:
+            self.terminal.screen.shows(line + b"\n" + UNKNOWN + PROMPT)
+        self.still_works()
+
     def test_rest_of_a_line_whose_beginning_is_lost(self):
         self.check_too_much(b"zz zz", b"zz\rkept\r", b"kept\r\n" + UNKNOWN + PROMPT)
 

@@ -129,6 +129,11 @@ class Terminal:
     def type(self, keys):
         os.write(self.user_side, keys)
 
+    def hang_up(self):
+        """The user's side goes; only its descriptor stays, for the clean-up."""
+        with open(os.devnull, "rb") as nothing:
+            os.dup2(nothing.fileno(), self.user_side)
+
     def settings(self):
         return termios.tcgetattr(self.fd)
 

@@ -19,9 +19,11 @@ import support
 from typed_sessions import Board, Monitor, Terminal, Wait, in_groups
 
 # What calls fail with; all others with EIO. The break that the kernel answers tells of a failure.
+# An ioctl that fails with EIO tells that the terminal has hung up.
 ERRORS = {
     "clock_nanosleep": "EINTR",
     "epoll_create1": "EMFILE",
+    "ioctl": "ENOTTY",
     "mmap": "ENOMEM",
     "munmap": "EINVAL",
     "openat": "EMFILE",
@@ -201,6 +203,28 @@ class SystemCallTest(unittest.TestCase):
         board = [(i, endless) for i, endless in injections if not i.startswith("read")]
         self.run_all(Monitor, injections, self.check_interruption)
         self.run_all(Wait, board, self.check_interruption)
+
+
+@unittest.skipIf(WHY_NOT, WHY_NOT)
+class Saving(unittest.TestCase):
+    def test_is_on_the_disk_before_it_replaces_the_old_state(self):
+        """And its name is, before the board ends."""
+        with tempfile.TemporaryDirectory() as folder:
+            log = os.path.join(folder, "calls")
+            strace = ["strace", "-y", "-s", "0", "-o", log, "-e", "trace=write,fsync,rename"]
+            board = [support.program("VIRTUAL_BOARD"), "--save", os.path.join(folder, "saved")]
+            self.assertEqual(support.run([*strace, *board], b"exit\n").returncode, 0)
+            with open(log, encoding="utf-8") as lines:
+                calls = [line for line in lines if folder in line]
+        place = re.escape(os.path.realpath(folder))
+        temporary = place + r"/saved\.\w{6}"
+        wanted = [
+            rf"write\(\d+<{temporary}>, .*\) = \d+",
+            rf"fsync\(\d+<{temporary}>\) += 0",
+            rf'rename\("{temporary}", "{place}/saved"\) = 0',
+            rf"fsync\(\d+<{place}>\) += 0",
+        ]
+        self.assertRegex("".join(calls), "^" + "\\n".join(wanted) + "\\n$")
 
 
 if __name__ == "__main__":

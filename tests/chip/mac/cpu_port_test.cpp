@@ -10,7 +10,8 @@ TEST_F(CpuPortModel, AReceivedFrameIsOfferedInItsBuffer) {
   EXPECT_TRUE(chip_.frames.Receive(kDmz, SomeFrame(0x5EA)));
   EXPECT_EQ(Events(), 0x0010U);
   EXPECT_EQ(Load8(0x426), 0x10);
-  EXPECT_EQ(Memory(0x01008000, 2), 0x5EA);
+  EXPECT_EQ(Memory(0x01008000), 0xEA);
+  EXPECT_EQ(Memory(0x01008001), 0x05);
   EXPECT_EQ(Memory(0x01008009), 0x04);
   EXPECT_EQ(Memory(0x0100800A), 0x04);
   EXPECT_EQ(Memory(0x01008020), 0x00);

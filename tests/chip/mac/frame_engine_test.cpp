@@ -34,6 +34,18 @@ TEST_F(FrameEngineModel, ATransmissionLeavesAtTheSecondLoadBehindTheStart) {
   EXPECT_EQ(sent_.size(), 1U);
 }
 
+TEST_F(FrameEngineModel, TheLengthToSendIsLittleEndian) {
+  chip_.frames.memory.Store(0x01000800, 1, 0x2C);
+  chip_.frames.memory.Store(0x01000801, 1, 0x01);
+  Store8(0x42A, 0x02);
+  Store8(0x429, 0x01);
+  Store8(0x42B, 0x01);
+  (void)Load8(0x42B);
+  (void)Load8(0x42B);
+  ASSERT_EQ(sent_.size(), 1U);
+  EXPECT_EQ(sent_[0].frame.size(), 0x12CU);
+}
+
 TEST_F(FrameEngineModel, EveryBufferCanBeSentHandle0AndPooledOnesIncluded) {
   Transmit(0x00, 0x01, 60);
   Transmit(0xFF, 0x04, 1524);
