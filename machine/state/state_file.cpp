@@ -12,13 +12,11 @@
 #include <system_error>
 
 #include "host/descriptor.h"
+#include "machine/state/state_json.h"
 #include "machine/state/state_text.h"
 
 namespace board {
 namespace {
-
-/// The fullest chip takes a tenth of it.
-constexpr std::size_t kLongestText = 16U << 20;
 
 /// Pieces of a damaged file in a message stay readable and short.
 constexpr std::size_t kLongestReason = 300;
@@ -29,6 +27,7 @@ constexpr mode_t kReadableByAll = 0666;
   throw std::system_error(errno, std::generic_category(), doing + " '" + path + "'");
 }
 
+/// The content, of which a longer one than any state is cut after that length.
 std::string ReadAll(const std::string& path) {
   const std::string doing = "cannot load the state";
   const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
@@ -41,9 +40,7 @@ std::string ReadAll(const std::string& path) {
     if (got < 0 && errno == EINTR) continue;
     if (got < 0) Fail(doing, path);
     text.append(piece.data(), static_cast<std::size_t>(got));
-    if (text.size() > kLongestText) {
-      throw StateError("cannot load the state '" + path + "': it is longer than any state");
-    }
+    if (text.size() > kLongestStateText) return text;
   }
 }
 
@@ -97,10 +94,10 @@ void SyncFolder(const std::filesystem::path& folder) {
 
 }  // namespace
 
-void LoadStateFile(const std::string& path, chip::RouterChip& chip) {
+std::string LoadStateFile(const std::string& path, chip::RouterChip& chip) {
   const std::string text = ReadAll(path);
   try {
-    ReplaceState(text, chip);
+    return ReplaceState(text, chip);
   } catch (const StateError& error) {
     throw StateError("cannot load the state '" + path + "': " + Printable(error.what()));
   }
@@ -111,12 +108,12 @@ StateFile::StateFile(const std::string& path) : path_(path), target_(Followed(pa
   if (path.empty()) throw std::runtime_error(doing + " '': a file needs a name");
   if (access(FolderOf(target_).c_str(), W_OK | X_OK) != 0) Fail(doing, path);
   if (std::filesystem::exists(target_) && !std::filesystem::is_regular_file(target_)) {
-    throw std::runtime_error(doing + " '" + path + "': it is no regular file");
+    throw std::runtime_error(doing + " '" + path + "': it is not a regular file");
   }
 }
 
-void StateFile::Save(chip::RouterChip& chip) const {
-  const std::string text = StateText(chip);
+void StateFile::Save(chip::RouterChip& chip, const std::string& note) const {
+  const std::string text = StateText(chip, note);
   std::string temporary = target_ + ".XXXXXX";
   const Descriptor file(mkostemp(temporary.data(), O_CLOEXEC));
   const bool written = file.Open() && WriteAll(file.Get(), text) &&
