@@ -9,7 +9,8 @@
 namespace board {
 
 /// The JSON object that a text is. Throws StateError for anything else, for a member that comes
-/// twice.
+/// twice, and, before it takes memory, for a text that no state looks like: too long, too deep, of
+/// too many values, or with a NUL.
 [[nodiscard]] nlohmann::json ParseStateJson(const std::string& text);
 
 /// The longest text, in bytes. The fullest chip takes half of it.

@@ -9,6 +9,7 @@ import shutil
 import signal
 import stat
 import subprocess
+import time
 import unittest
 
 import board
@@ -495,10 +496,50 @@ class Damaged(StateTest):
         self.refused(b"7", "it is not a JSON object")
         self.refused(b"{}", "/format: is missing")
         self.refused(os.urandom(4096))
-        self.refused(b"[" * 4000000, "parse error")
-        self.refused(b"[" * 2000000 + b"]" * 2000000, "it is not a JSON object")
+        self.refused(b"[" * 16, "parse error")
         self.refused(b'{"' + b"x" * 100000 + b'":1', "parse error")
         self.refused(b'{"format":' + 4 * 2**20 * b" ", "longer than any state")
+
+    def test_nul(self):
+        """Nothing is ignored that follows one."""
+        for text in (self.text, b"{}\n"):
+            place = f"parse error at line {text.count(10) + 1}, column 1: a NUL byte"
+            self.refused(text + b"\x00", place)
+            self.refused(text + b"\x00 and more", place)
+        self.refused(b"\x00" + self.text, "parse error at line 1, column 1: a NUL byte")
+        self.refused(self.text.replace(b'"reset"', b'"re\x00set"'), "a NUL byte")
+
+    def test_hostile_shapes(self):
+        """Refused within a second and 100 MB, whatever the file would grow to in memory."""
+        shapes = {
+            b"[" * 2**24: "longer than any state",
+            b"[" * 2**22: "parse error at line 1, column 17: deeper than any state",
+            b'{"a":' * 2**19: "parse error at line 1, column 81: deeper than any state",
+            b"[" + b"[],\n" * (2**20 - 1): "parse error at line 50000, column 3: more values than",
+            b"[" + b"1," * (2**21 - 1): "parse error at line 1, column 200001: more values than",
+            b"{" + b"".join(b'"%x":0,' % i for i in range(2**18)): "more values than any state has",
+            b'{"format":"' + b"x" * 2**22: "longer than any state",
+            b'{"format":"' + b"x" * (2**22 - 13) + b'"}': "/format: is not 'virtual-board state'",
+        }
+        for shape, reason in shapes.items():
+            with self.subTest(shape[:8]):
+                path = self.write("hostile", shape)
+                begin = time.monotonic()
+                with subprocess.Popen([BOARD, "--load", path], stdin=subprocess.DEVNULL,
+                                      stdout=subprocess.DEVNULL, stderr=subprocess.PIPE) as process:
+                    message = process.stderr.read().decode()
+                    _, status, usage = os.wait4(process.pid, 0)
+                    process.returncode = os.waitstatus_to_exitcode(status)
+                self.assertLess(time.monotonic() - begin, support.DEADLINE)
+                self.assertEqual(process.returncode, 1, message)
+                self.assertIn(reason, message)
+                self.assertLess(usage.ru_maxrss, 100 * 1024)
+                self.assertLess(usage.ru_utime + usage.ru_stime, 1)
+
+    def test_depth_counts_brackets_outside_texts_alone(self):
+        noted = json.loads(self.text)
+        noted["note"] = '\\"[{' * 1000
+        self.run_board(b"", "--load", self.write("noted", json.dumps(noted).encode()))
 
     def test_files_that_cannot_be_read(self):
         for path, reason in ((self.path("missing"), "No such file or directory"),
