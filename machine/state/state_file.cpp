@@ -22,6 +22,7 @@ namespace {
 constexpr std::size_t kLongestReason = 300;
 
 constexpr mode_t kReadableByAll = 0666;
+constexpr auto kSameOwner = static_cast<uid_t>(-1);
 
 [[noreturn]] void Fail(const std::string& doing, const std::string& path) {
   throw std::system_error(errno, std::generic_category(), doing + " '" + path + "'");
@@ -67,13 +68,19 @@ std::filesystem::path Followed(std::filesystem::path path) {
   return std::filesystem::weakly_canonical(path);
 }
 
-/// The permissions of the file that is replaced, or those of any new file.
-mode_t ModeFor(const std::string& path) {
+/// Gives the new file the permissions of the one that it replaces, and its owner and group where
+/// this process may. Those of any new file, if it replaces none. False, with errno, when it fails.
+bool TakeOver(int fd, const std::string& path) {
   struct stat old {};
-  if (stat(path.c_str(), &old) == 0) return old.st_mode & 07777;
-  const mode_t mask = umask(0);
-  umask(mask);
-  return kReadableByAll & ~mask;
+  if (stat(path.c_str(), &old) != 0) {
+    const mode_t mask = umask(0);
+    umask(mask);
+    return fchmod(fd, kReadableByAll & ~mask) == 0;
+  }
+  // Without the right to give the file away, the group alone may still be possible.
+  if (fchown(fd, old.st_uid, old.st_gid) != 0) (void)!fchown(fd, kSameOwner, old.st_gid);
+  // A state is no program: it never becomes one that runs with its owner's rights.
+  return fchmod(fd, old.st_mode & 0777) == 0;
 }
 
 bool WriteAll(int fd, const std::string& text) {
@@ -116,9 +123,8 @@ void StateFile::Save(chip::RouterChip& chip, const std::string& note) const {
   const std::string text = StateText(chip, note);
   std::string temporary = target_ + ".XXXXXX";
   const Descriptor file(mkostemp(temporary.data(), O_CLOEXEC));
-  const bool written = file.Open() && WriteAll(file.Get(), text) &&
-                       fchmod(file.Get(), ModeFor(target_)) == 0 && fsync(file.Get()) == 0 &&
-                       rename(temporary.c_str(), target_.c_str()) == 0;
+  const bool written = file.Open() && WriteAll(file.Get(), text) && TakeOver(file.Get(), target_) &&
+                       fsync(file.Get()) == 0 && rename(temporary.c_str(), target_.c_str()) == 0;
   if (!written) {
     const int error = errno;
     if (file.Open()) unlink(temporary.c_str());

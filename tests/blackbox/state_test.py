@@ -611,6 +611,35 @@ class Saving(StateTest):
         self.save(b"l3 5\n")
         self.assertEqual(stat.S_IMODE(os.stat(self.path("saved")).st_mode), 0o604)
 
+    def test_special_permissions_go(self):
+        """A state is never a program, with its owner's rights least of all."""
+        self.save(b"")
+        os.chmod(self.path("saved"), 0o7755)
+        self.save(b"l3 5\n")
+        self.assertEqual(stat.S_IMODE(os.stat(self.path("saved")).st_mode), 0o755)
+
+    @unittest.skipUnless(os.geteuid() == 0, "only root saves over somebody else's file")
+    def test_owner_stays(self):
+        self.save(b"")
+        os.chown(self.path("saved"), 1234, 4321)
+        os.chmod(self.path("saved"), 0o6750)
+        self.save(b"l3 5\n")
+        now = os.stat(self.path("saved"))
+        self.assertEqual((now.st_uid, now.st_gid), (1234, 4321))
+        self.assertEqual(stat.S_IMODE(now.st_mode), 0o750)
+
+    @unittest.skipUnless(os.geteuid() == 0, "only root can play two users")
+    def test_group_stays_where_the_owner_cannot(self):
+        """Somebody else saves, who is in the file's group."""
+        os.chmod(self.folder, 0o777)
+        self.save(b"")
+        os.chown(self.path("saved"), 1234, 4321)
+        done = subprocess.run([BOARD, "--save", self.path("saved")], input=b"", check=False,
+                              capture_output=True, user=1235, group=1235, extra_groups=[4321])
+        self.assertEqual(done.returncode, 0, done.stderr)
+        now = os.stat(self.path("saved"))
+        self.assertEqual((now.st_uid, now.st_gid), (1235, 4321))
+
     def test_link_stays(self):
         os.mkdir(self.path("far"))
         self.write("far/state", b"old")
