@@ -1,5 +1,6 @@
 #include "chip/register_file.h"
 
+#include <algorithm>
 #include <cassert>
 
 #include "chip/hex.h"
@@ -42,9 +43,8 @@ bool RegisterFile::ComplainOfAddress(std::uint32_t offset, unsigned width) {
 }
 
 const RegisterFile::Row* RegisterFile::WholeRow(std::uint32_t offset, unsigned width) const {
-  if (offset >= kSize || row_at_[offset] == kUnclaimed) return nullptr;
-  const Row& row = rows_[row_at_[offset]];
-  return row.offset == offset && row.width == width ? &row : nullptr;
+  const Row* const row = RowFrom(offset);
+  return row != nullptr && row->width == width ? row : nullptr;
 }
 
 template <typename VisitRow, typename VisitUnmapped>
@@ -166,22 +166,61 @@ void RegisterFile::ForgetComplaints() {
   unmapped_accesses_.fill(0);
 }
 
+const RegisterFile::Row* RegisterFile::RowFrom(std::uint32_t offset) const {
+  if (offset >= kSize || row_at_[offset] == kUnclaimed) return nullptr;
+  const Row& row = rows_[row_at_[offset]];
+  return row.offset == offset ? &row : nullptr;
+}
+
+std::string RegisterFile::UniqueName(const Row& row, unsigned position) const {
+  const Row* const next = RowFrom(row.offset + row.width);
+  std::string name = row.name;
+  if (position != 0 || (next != nullptr && next->name == name)) {
+    name.append("[").append(std::to_string(position)).append("]");
+  }
+  return name;
+}
+
 void RegisterFile::State(StateArchive& archive) {
   archive.Group("registers", [&] {
+    const Row* last = nullptr;
+    unsigned position = 0;
     for (std::uint32_t offset = 0; offset < kSize; ++offset) {
-      if (row_at_[offset] == kUnclaimed) continue;
-      const Row& row = rows_[row_at_[offset]];
-      if (row.offset != offset) continue;
-      const std::string key = Hex(offset, 4).append(" ").append(row.name);
-      const std::uint32_t reset = row.behaviour.reset;
-      if (archive.Omits(key, Assemble(offset, row.width) == reset)) {
-        Disassemble(offset, row.width, reset);
-      } else {
-        archive.Bytes(key, std::span(bytes_).subspan(offset, row.width));
+      const Row* const row = RowFrom(offset);
+      if (row == nullptr) continue;
+      position = last != nullptr && last->name == row->name ? position + 1 : 0;
+      last = row;
+      if (row->behaviour.notation != Notation::kMac) {
+        RowState(archive, *row, UniqueName(*row, position));
+      } else if (position == 0) {
+        MacState(archive, *row);
       }
     }
   });
   UnmappedState(archive);
+}
+
+void RegisterFile::RowState(StateArchive& archive, const Row& row, const std::string& name) {
+  const Behaviour& behaviour = row.behaviour;
+  std::uint32_t value = Assemble(row.offset, row.width);
+  if (archive.Omits(name, value == behaviour.reset)) {
+    value = behaviour.reset;
+  } else if (behaviour.notation == Notation::kAddress) {
+    archive.Address(name, value);
+  } else {
+    return archive.Bytes(name, std::span(bytes_).subspan(row.offset, row.width));
+  }
+  Disassemble(row.offset, row.width, value);
+}
+
+void RegisterFile::MacState(StateArchive& archive, const Row& first) {
+  const auto mac = std::span(bytes_).subspan(first.offset).first<6>();
+  const bool is_zero = std::all_of(mac.begin(), mac.end(), [](auto byte) { return byte == 0; });
+  if (archive.Omits(first.name, is_zero)) {
+    std::fill(mac.begin(), mac.end(), std::uint8_t{0});
+  } else {
+    archive.Mac(first.name, mac);
+  }
 }
 
 /// Bytes that no register claims.

@@ -16,12 +16,20 @@
 
 namespace chip {
 
+/// How a state notes what a register holds.
+enum class Notation : std::uint8_t {
+  kHex,
+  kAddress,  ///< An IP address.
+  kMac,      ///< A run of six, which hold a MAC address.
+};
+
 /// How a register differs from plain storage that starts at 0. Masks are register values.
 struct Behaviour {
-  std::uint32_t reset = 0;                 ///< Value at power-on.
-  std::uint32_t read_only = 0;             ///< Bits that stores leave alone.
-  std::uint32_t write_one_to_clear = 0;    ///< Bits that a store of 1 clears, of 0 leaves alone.
-  std::function<void()> before_load = {};  ///< Brings the register up to date.
+  std::uint32_t reset = 0;               ///< Value at power-on.
+  std::uint32_t read_only = 0;           ///< Bits that stores leave alone.
+  std::uint32_t write_one_to_clear = 0;  ///< Bits that a store of 1 clears, of 0 leaves alone.
+  Notation notation = Notation::kHex;
+  std::function<void()> before_load = {};                      ///< Brings the register up to date.
   std::function<void(std::uint32_t stored)> after_store = {};  ///< Given the raw value stored.
 };
 
@@ -191,6 +199,12 @@ class RegisterFile {
   void StoreToRow(const Row& row, std::uint32_t offset, std::uint32_t reach, std::uint32_t value);
   void ComplainOfStore(const Row& row, std::uint32_t offset);
   void ComplainOfUnmapped(std::uint32_t offset);
+  /// The row that begins there; null when there is none.
+  [[nodiscard]] const Row* RowFrom(std::uint32_t offset) const;
+  /// What the trace calls the register; `position` counts those of one name in a row.
+  [[nodiscard]] std::string UniqueName(const Row& row, unsigned position) const;
+  void RowState(StateArchive& archive, const Row& row, const std::string& name);
+  void MacState(StateArchive& archive, const Row& first);
   void UnmappedState(StateArchive& archive);
 
   std::vector<Row> rows_;

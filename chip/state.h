@@ -38,6 +38,8 @@ class StateArchive {
 
   virtual void Flag(const std::string& name, bool& value) = 0;
 
+  virtual void Text(const std::string& name, std::string& value) = 0;
+
   /// Bytes of a fixed number.
   virtual void Bytes(const std::string& name, std::span<std::uint8_t> bytes) = 0;
 
@@ -53,11 +55,33 @@ class StateArchive {
     Convert(value, [&](std::uint64_t& wide) { HexNumber(name, wide, bits, 2 * sizeof(T)); });
   }
 
+  /// The same for bits that are mostly 0, and are left out then.
+  template <std::unsigned_integral T>
+  void HexUnless0(const std::string& name, T& value, T bits) {
+    if (Omits(name, value == 0)) {
+      value = 0;
+    } else {
+      Hex(name, value, bits);
+    }
+  }
+
   /// A number of things.
   template <std::unsigned_integral T>
   void Count(const std::string& name, T& value, T most = std::numeric_limits<T>::max()) {
     Convert(value, [&](std::uint64_t& wide) { DecimalNumber(name, wide, most); });
   }
+
+  /// An IP address, as in "192.168.1.1".
+  void Address(const std::string& name, std::uint32_t& value);
+
+  /// A MAC address, as in "02:00:00:00:00:01".
+  void Mac(const std::string& name, std::span<std::uint8_t, 6> value);
+
+  /// A set of ports, bit by bit the four of kPortNames: "", "wan lan".
+  void Ports(const std::string& name, std::uint8_t& value);
+
+  /// One of some values, by the words for 0, 1 and so on.
+  void Choice(const std::string& name, std::uint8_t& value, std::span<const char* const> words);
 
   template <typename List>
   void Group(const std::string& name, List list) {

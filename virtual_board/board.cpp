@@ -70,7 +70,7 @@ Board::Board(const Options& options)
   chip_.clock = MonotonicNanoseconds;
   chip::Attach(chip_);
   if (options.save_file) state_file_.emplace(*options.save_file);
-  if (options.load_file) LoadStateFile(*options.load_file, chip_);
+  if (options.load_file) note_ = LoadStateFile(*options.load_file, chip_);
   if (options.gpio_inputs) chip_.gpio.SetInputs(*options.gpio_inputs);
   NetworkSetup network = options.network;
   network.keep_settings = options.load_file.has_value();
@@ -188,7 +188,7 @@ bool Board::Save() {
   if (!state_file_) return true;
   try {
     const Uninterrupted guard;
-    state_file_->Save(chip_);
+    state_file_->Save(chip_, note_);
     return true;
   } catch (const std::exception& error) {
     Report(error.what());

@@ -81,6 +81,7 @@ class Board {
   std::optional<Network> network_;
   std::optional<RawTerminal> terminal_;
   std::optional<StateFile> state_file_;
+  std::string note_;  ///< That of the loaded state, for the saved one.
 };
 
 }  // namespace board

@@ -5,11 +5,11 @@
 namespace chip {
 
 void DefineStationAddresses(RegisterFile& registers) {
-  registers.Define(monitor::kCpuMac);
-  registers.Define(monitor::kWanIp);
-  registers.Define(monitor::kLanIp);
-  registers.Define(monitor::kDmzIp);
-  registers.Define(monitor::kWanMac);
+  registers.Define(monitor::kCpuMac, {.notation = Notation::kMac});
+  registers.Define(monitor::kWanIp, {.notation = Notation::kAddress});
+  registers.Define(monitor::kLanIp, {.notation = Notation::kAddress});
+  registers.Define(monitor::kDmzIp, {.notation = Notation::kAddress});
+  registers.Define(monitor::kWanMac, {.notation = Notation::kMac});
 }
 
 }  // namespace chip

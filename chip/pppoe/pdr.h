@@ -1,39 +1,37 @@
 // The PDR table of the model: 64 entries behind its engine.
 #pragma once
 
-#include <array>
-
-#include "chip/engine.h"
+#include "chip/indexed_table.h"
+#include "pppoe/pdr_registers.h"
 
 namespace chip {
 
-class PdrTable {
- public:
-  static constexpr unsigned kEntries = 64;
+struct PdrEntry {
+  std::uint32_t ip = 0;
+  bool pppoe = false;  ///< PPPoE, else IPoE.
+  std::uint8_t session = 0;
+  bool valid = false;
 
-  /// An entry as its registers hold it.
-  struct Entry {
-    std::uint32_t ip = 0;
-    std::uint8_t flags = 0;
+  bool operator==(const PdrEntry&) const = default;
 
-    bool operator==(const Entry&) const = default;
-  };
-
-  explicit PdrTable(RegisterFile& registers);
-  PdrTable(const PdrTable&) = delete;
-  PdrTable& operator=(const PdrTable&) = delete;
-
-  void Reset();
-  void State(StateArchive& archive);
-
-  std::array<Entry, kEntries> entries;
-  Engine engine;
-
- private:
-  bool Run(bool write);
-
-  RegisterFile& registers_;
-  bool stored_ = false;  ///< The entry's registers have been stored to since the last start.
+  template <typename Entry, typename Visit>
+  static void List(Entry& entry, Visit visit) {
+    using namespace monitor;  // NOLINT: the register names
+    using enum Noted;
+    visit(kPdrIp, As<kAddress>("ip", entry.ip));
+    visit(kPdrFlags, As<kFlag>(kPdrPppoe, entry.pppoe), As<kNumber>(kPdrSession, entry.session),
+          As<kFlag>(kPdrValid, entry.valid));
+  }
 };
+
+struct PdrTableFacts : SeparateIndex {
+  using Entry = PdrEntry;
+  static constexpr const char* kName = "pdr";
+  static constexpr monitor::Reg8 kCommand = monitor::kPdrCommand;
+  static constexpr monitor::Reg8 kIndex = monitor::kPdrIndex;
+  static constexpr monitor::Field kIndexBits{5, 0};
+};
+
+using PdrTable = IndexedTable<PdrTableFacts>;
 
 }  // namespace chip

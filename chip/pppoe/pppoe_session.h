@@ -1,43 +1,45 @@
 // The PPPoE session table of the model: four entries behind the PST engine.
 #pragma once
 
-#include <array>
-
-#include "chip/engine.h"
+#include "chip/indexed_table.h"
+#include "pppoe/pppoe_session_registers.h"
 
 namespace chip {
 
-class PppoeSessionTable {
- public:
-  static constexpr unsigned kEntries = 4;
+struct PppoeSession {
+  std::uint32_t ip = 0;
+  std::uint16_t session = 0;
+  std::uint16_t vlan = 0;
+  std::array<std::uint8_t, 6> server_mac{};
+  bool force = false;
+  bool tag = false;
+  bool used = false;
+  bool valid = false;
 
-  /// An entry as its registers hold it.
-  struct Entry {
-    std::uint32_t ip = 0;
-    std::uint16_t session = 0;
-    std::uint16_t vlan = 0;
-    std::array<std::uint8_t, 6> server_mac{};
-    std::uint8_t flags = 0;  ///< Without the index.
+  bool operator==(const PppoeSession&) const = default;
 
-    bool operator==(const Entry&) const = default;
-  };
-
-  explicit PppoeSessionTable(RegisterFile& registers);
-  PppoeSessionTable(const PppoeSessionTable&) = delete;
-  PppoeSessionTable& operator=(const PppoeSessionTable&) = delete;
-
-  void Reset();
-  void State(StateArchive& archive);
-
-  std::array<Entry, kEntries> entries;
-  Engine engine;
-
- private:
-  bool Run(bool write);
-  void LoadWindow(const Entry& entry, std::uint8_t index_bits);
-  void ApplyWindow(Entry& entry);
-
-  RegisterFile& registers_;
+  template <typename Entry, typename Visit>
+  static void List(Entry& session, Visit visit) {
+    using namespace monitor;  // NOLINT: the register names
+    using enum Noted;
+    visit(kPstIp, As<kAddress>("ip", session.ip));
+    visit(kPstSession, As<kHex>("session", session.session));
+    visit(kPstVlan, As<kHex>("vlan", session.vlan));
+    visit(kPstServerMac, As<kMac>("server_mac", session.server_mac));
+    visit(kPstFlags, Kept{kPstIndex}, As<kFlag>(kPstForce, session.force),
+          As<kFlag>(kPstTag, session.tag), As<kFlag>(kPstUsed, session.used),
+          As<kFlag>(kPstValid, session.valid));
+  }
 };
+
+struct PppoeSessionTableFacts : SharedIndex {
+  using Entry = PppoeSession;
+  static constexpr const char* kName = "pst";
+  static constexpr monitor::Reg8 kCommand = monitor::kPstCommand;
+  static constexpr monitor::Reg8 kIndex = monitor::kPstFlags;
+  static constexpr monitor::Field kIndexBits = monitor::kPstIndex;
+};
+
+using PppoeSessionTable = IndexedTable<PppoeSessionTableFacts>;
 
 }  // namespace chip

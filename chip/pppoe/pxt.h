@@ -1,46 +1,60 @@
 // The PXT table of the model: four entries behind its engine.
 #pragma once
 
-#include <array>
-
-#include "chip/engine.h"
+#include "chip/indexed_table.h"
+#include "pppoe/pxt_registers.h"
 
 namespace chip {
 
-class PxtTable {
- public:
-  static constexpr unsigned kEntries = 4;
+struct PxtEntry {
+  /// One side of the relay.
+  struct Side {
+    std::array<std::uint8_t, 6> mac{};
+    std::uint16_t session = 0;
+    std::uint16_t vlan = 0;
+    bool tag = false;
+    bool force = false;
+    bool used = false;
 
-  /// An entry as its registers hold it.
-  struct Entry {
-    std::array<std::uint8_t, 6> internal_mac{};
-    std::array<std::uint8_t, 6> external_mac{};
-    std::uint16_t internal_session = 0;
-    std::uint16_t external_session = 0;
-    std::uint16_t internal_vlan = 0;
-    std::uint16_t external_vlan = 0;
-    std::uint8_t switches = 0;
-    std::uint8_t flags = 0;  ///< Without the index.
-
-    bool operator==(const Entry&) const = default;
+    bool operator==(const Side&) const = default;
   };
 
-  explicit PxtTable(RegisterFile& registers);
-  PxtTable(const PxtTable&) = delete;
-  PxtTable& operator=(const PxtTable&) = delete;
+  Side internal;
+  Side external;
+  std::uint8_t port = 0;  ///< Internal port: 2 DMZ, else LAN.
+  bool valid = false;
 
-  void Reset();
-  void State(StateArchive& archive);
+  bool operator==(const PxtEntry&) const = default;
 
-  std::array<Entry, kEntries> entries;
-  Engine engine;
-
- private:
-  bool Run(bool write);
-  void LoadWindow(const Entry& entry, std::uint8_t index_bits);
-  void ApplyWindow(Entry& entry);
-
-  RegisterFile& registers_;
+  template <typename Entry, typename Visit>
+  static void List(Entry& entry, Visit visit) {
+    using namespace monitor;  // NOLINT: the register names
+    using enum Noted;
+    auto& internal = entry.internal;
+    auto& external = entry.external;
+    visit(kPxtInternalMac, As<kMac>("internal_mac", internal.mac));
+    visit(kPxtExternalMac, As<kMac>("external_mac", external.mac));
+    visit(kPxtInternalSession, As<kHex>("internal_session", internal.session));
+    visit(kPxtExternalSession, As<kHex>("external_session", external.session));
+    visit(kPxtInternalVlan, As<kHex>("internal_vlan", internal.vlan));
+    visit(kPxtExternalVlan, As<kHex>("external_vlan", external.vlan));
+    visit(kPxtSwitches, As<kFlag>(kPxtInternalTag, internal.tag),
+          As<kFlag>(kPxtInternalForce, internal.force), As<kFlag>(kPxtInternalUsed, internal.used),
+          As<kFlag>(kPxtExternalTag, external.tag), As<kFlag>(kPxtExternalForce, external.force),
+          As<kFlag>(kPxtExternalUsed, external.used));
+    visit(kPxtFlags, Kept{kPxtIndex}, As<kRelayed>(kPxtPort, entry.port),
+          As<kFlag>(kPxtValid, entry.valid));
+  }
 };
+
+struct PxtTableFacts : SharedIndex {
+  using Entry = PxtEntry;
+  static constexpr const char* kName = "pxt";
+  static constexpr monitor::Reg8 kCommand = monitor::kPxtCommand;
+  static constexpr monitor::Reg8 kIndex = monitor::kPxtFlags;
+  static constexpr monitor::Field kIndexBits = monitor::kPxtIndex;
+};
+
+using PxtTable = IndexedTable<PxtTableFacts>;
 
 }  // namespace chip

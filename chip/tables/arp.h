@@ -1,50 +1,38 @@
 // The ARP table of the model: 64 bindings with reference bits behind the ARP engine.
 #pragma once
 
-#include <array>
-
-#include "chip/engine.h"
-#include "core/entry_map.h"
+#include "chip/indexed_table.h"
+#include "tables/arp_registers.h"
 
 namespace chip {
 
-class ArpTable {
- public:
-  static constexpr unsigned kSlots = 64;
+struct ArpBinding {
+  std::uint32_t ip = 0;
+  std::array<std::uint8_t, 6> mac{};
+  bool valid = false;
 
-  struct Entry {
-    std::uint32_t ip = 0;
-    std::array<std::uint8_t, 6> mac{};
-    bool valid = false;
+  bool operator==(const ArpBinding&) const = default;
 
-    bool operator==(const Entry&) const = default;
-  };
-
-  explicit ArpTable(RegisterFile& registers);
-  ArpTable(const ArpTable&) = delete;
-  ArpTable& operator=(const ArpTable&) = delete;
-
-  void Reset();
-  void State(StateArchive& archive);
-
-  std::array<Entry, kSlots> entries;
-  monitor::EntryMap reference{};  ///< Which entries have been used.
-  Engine engine;
-
- private:
-  /// What has been stored since the last start: only that does the next write apply.
-  struct Stored {
-    bool entry = false;
-    bool reference = false;
-  };
-
-  void Claim();
-  bool Run(bool write);
-  void LoadWindow(const Entry& entry);
-  void ApplyWindow(Entry& entry);
-
-  RegisterFile& registers_;
-  Stored stored_;
+  template <typename Entry, typename Visit>
+  static void List(Entry& binding, Visit visit) {
+    using namespace monitor;  // NOLINT: the register names
+    using enum Noted;
+    visit(kArpIp, As<kAddress>("ip", binding.ip));
+    visit(kArpMac, As<kMac>("mac", binding.mac));
+    visit(kArpFlags, As<kFlag>(kArpValid, binding.valid));
+  }
 };
+
+struct ArpTableFacts : SeparateIndex {
+  using Entry = ArpBinding;
+  static constexpr const char* kName = "arp";
+  static constexpr monitor::Reg8 kCommand = monitor::kArpCommand;
+  static constexpr monitor::Reg8 kIndex = monitor::kArpIndex;
+  static constexpr monitor::Field kIndexBits{5, 0};
+  static constexpr monitor::RegBytes<8> kMap = monitor::kArpReference;
+  static constexpr const char* kMapName = "reference";  ///< Which entries have been used.
+};
+
+using ArpTable = IndexedTable<ArpTableFacts>;
 
 }  // namespace chip

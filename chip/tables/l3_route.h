@@ -1,55 +1,52 @@
 // The route table of the model: 64 slots with counters and overflow bits behind the L3 engine.
 #pragma once
 
-#include <array>
-
-#include "chip/engine.h"
-#include "core/entry_map.h"
+#include "chip/indexed_table.h"
+#include "tables/l3_route_registers.h"
 
 namespace chip {
 
-class L3RouteTable {
- public:
-  static constexpr unsigned kSlots = 64;
+struct Route {
+  std::uint32_t ip = 0;
+  std::uint8_t mask = 0;  ///< Length of the prefix, as it was written.
+  std::uint32_t next_hop = 0;
+  std::uint8_t port = 0;  ///< Usually one bit: 1 WAN, 2 LAN, 4 DMZ, 8 CPU.
+  bool pppoe = false;     ///< PPPoE, else IPoE.
+  std::uint8_t session = 0;
+  bool direct = false;
+  bool wan_mac = false;
+  bool valid = false;
+  std::uint8_t flags_rest = 0;
+  std::uint32_t counter = 0;
 
-  /// A slot as its registers hold it.
-  struct Entry {
-    std::uint32_t ip = 0;
-    std::uint8_t mask = 0;
-    std::uint8_t encapsulation = 0;
-    std::uint32_t next_hop = 0;
-    std::uint8_t flags = 0;
-    std::uint32_t counter = 0;
+  bool operator==(const Route&) const = default;
 
-    bool operator==(const Entry&) const = default;
-  };
-
-  explicit L3RouteTable(RegisterFile& registers);
-  L3RouteTable(const L3RouteTable&) = delete;
-  L3RouteTable& operator=(const L3RouteTable&) = delete;
-
-  void Reset();
-  void State(StateArchive& archive);
-
-  std::array<Entry, kSlots> entries;
-  monitor::EntryMap overflow{};
-  Engine engine;
-
- private:
-  /// What has been stored since the last start: only that does the next write apply.
-  struct Stored {
-    bool entry = false;
-    bool counter = false;
-    bool overflow = false;
-  };
-
-  void Claim();
-  bool Run(bool write);
-  void LoadWindow(const Entry& entry);
-  void ApplyWindow(Entry& entry);
-
-  RegisterFile& registers_;
-  Stored stored_;
+  template <typename Entry, typename Visit>
+  static void List(Entry& route, Visit visit) {
+    using namespace monitor;  // NOLINT: the register names
+    using enum Noted;
+    visit(kRouteIp, As<kAddress>("ip", route.ip));
+    visit(kRouteMask, As<kNumber>("mask", route.mask));
+    visit(kRouteEncapsulation, As<kFlag>(kRoutePppoe, route.pppoe),
+          As<kNumber>(kRouteSession, route.session));
+    visit(kRouteNextHop, As<kAddress>("next_hop", route.next_hop));
+    visit(kRouteFlags, As<kPorts>(kRoutePort, route.port), As<kFlag>(kRouteDirect, route.direct),
+          As<kFlag>(kRouteWanMac, route.wan_mac), As<kFlag>(kRouteValid, route.valid),
+          As<kRest>({"flags_rest", {7, 7}}, route.flags_rest));
+    visit(kRouteCounter, As<kCounter>("counter", route.counter));
+  }
 };
+
+struct RouteTableFacts : SeparateIndex {
+  using Entry = Route;
+  static constexpr const char* kName = "l3";
+  static constexpr monitor::Reg8 kCommand = monitor::kRouteCommand;
+  static constexpr monitor::Reg8 kIndex = monitor::kRouteIndex;
+  static constexpr monitor::Field kIndexBits{5, 0};
+  static constexpr monitor::RegBytes<8> kMap = monitor::kRouteOverflow;
+  static constexpr const char* kMapName = "overflow";
+};
+
+using L3RouteTable = IndexedTable<RouteTableFacts>;
 
 }  // namespace chip

@@ -2,52 +2,39 @@
 // multicast engine.
 #pragma once
 
-#include <array>
-
-#include "chip/engine.h"
-#include "core/entry_map.h"
+#include "chip/indexed_table.h"
+#include "tables/mcast_registers.h"
 
 namespace chip {
 
-class McastTable {
- public:
-  static constexpr unsigned kSlots = 64;
+struct McastGroup {
+  std::uint32_t ip = 0;
+  std::uint8_t ports = 0;  ///< Members: 1 WAN, 2 LAN, 4 DMZ, 8 CPU.
+  bool valid = false;
+  std::uint32_t counter = 0;
 
-  struct Entry {
-    std::uint32_t ip = 0;
-    std::uint8_t ports = 0;  ///< Members: 1 WAN, 2 LAN, 4 DMZ, 8 CPU.
-    bool valid = false;
-    std::uint32_t counter = 0;
+  bool operator==(const McastGroup&) const = default;
 
-    bool operator==(const Entry&) const = default;
-  };
-
-  explicit McastTable(RegisterFile& registers);
-  McastTable(const McastTable&) = delete;
-  McastTable& operator=(const McastTable&) = delete;
-
-  void Reset();
-  void State(StateArchive& archive);
-
-  std::array<Entry, kSlots> entries;
-  monitor::EntryMap overflow{};
-  Engine engine;
-
- private:
-  /// What has been stored since the last start: only that does the next write apply.
-  struct Stored {
-    bool entry = false;
-    bool counter = false;
-    bool overflow = false;
-  };
-
-  void Claim();
-  bool Run(bool write);
-  void LoadWindow(const Entry& entry);
-  void ApplyWindow(Entry& entry);
-
-  RegisterFile& registers_;
-  Stored stored_;
+  template <typename Entry, typename Visit>
+  static void List(Entry& group, Visit visit) {
+    using namespace monitor;  // NOLINT: the register names
+    using enum Noted;
+    visit(kMcastIp, As<kAddress>("ip", group.ip));
+    visit(kMcastFlags, As<kPorts>(kMcastPorts, group.ports), As<kFlag>(kMcastValid, group.valid));
+    visit(kMcastCounter, As<kCounter>("counter", group.counter));
+  }
 };
+
+struct McastTableFacts : SeparateIndex {
+  using Entry = McastGroup;
+  static constexpr const char* kName = "mcast";
+  static constexpr monitor::Reg8 kCommand = monitor::kMcastCommand;
+  static constexpr monitor::Reg8 kIndex = monitor::kMcastIndex;
+  static constexpr monitor::Field kIndexBits{5, 0};
+  static constexpr monitor::RegBytes<8> kMap = monitor::kMcastOverflow;
+  static constexpr const char* kMapName = "overflow";
+};
+
+using McastTable = IndexedTable<McastTableFacts>;
 
 }  // namespace chip

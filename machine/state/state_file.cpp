@@ -12,23 +12,23 @@
 #include <system_error>
 
 #include "host/descriptor.h"
+#include "machine/state/state_json.h"
 #include "machine/state/state_text.h"
 
 namespace board {
 namespace {
 
-/// The fullest chip takes a tenth of it.
-constexpr std::size_t kLongestText = 16U << 20;
-
 /// Pieces of a damaged file in a message stay readable and short.
 constexpr std::size_t kLongestReason = 300;
 
 constexpr mode_t kReadableByAll = 0666;
+constexpr auto kSameOwner = static_cast<uid_t>(-1);
 
 [[noreturn]] void Fail(const std::string& doing, const std::string& path) {
   throw std::system_error(errno, std::generic_category(), doing + " '" + path + "'");
 }
 
+/// The content, of which a longer one than any state is cut after that length.
 std::string ReadAll(const std::string& path) {
   const std::string doing = "cannot load the state";
   const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
@@ -41,9 +41,7 @@ std::string ReadAll(const std::string& path) {
     if (got < 0 && errno == EINTR) continue;
     if (got < 0) Fail(doing, path);
     text.append(piece.data(), static_cast<std::size_t>(got));
-    if (text.size() > kLongestText) {
-      throw StateError("cannot load the state '" + path + "': it is longer than any state");
-    }
+    if (text.size() > kLongestStateText) return text;
   }
 }
 
@@ -70,13 +68,19 @@ std::filesystem::path Followed(std::filesystem::path path) {
   return std::filesystem::weakly_canonical(path);
 }
 
-/// The permissions of the file that is replaced, or those of any new file.
-mode_t ModeFor(const std::string& path) {
+/// Gives the new file the permissions of the one that it replaces, and its owner and group where
+/// this process may. Those of any new file, if it replaces none. False, with errno, when it fails.
+bool TakeOver(int fd, const std::string& path) {
   struct stat old {};
-  if (stat(path.c_str(), &old) == 0) return old.st_mode & 07777;
-  const mode_t mask = umask(0);
-  umask(mask);
-  return kReadableByAll & ~mask;
+  if (stat(path.c_str(), &old) != 0) {
+    const mode_t mask = umask(0);
+    umask(mask);
+    return fchmod(fd, kReadableByAll & ~mask) == 0;
+  }
+  // Without the right to give the file away, the group alone may still be possible.
+  if (fchown(fd, old.st_uid, old.st_gid) != 0) (void)!fchown(fd, kSameOwner, old.st_gid);
+  // A state is no program: it never becomes one that runs with its owner's rights.
+  return fchmod(fd, old.st_mode & 0777) == 0;
 }
 
 bool WriteAll(int fd, const std::string& text) {
@@ -97,10 +101,10 @@ void SyncFolder(const std::filesystem::path& folder) {
 
 }  // namespace
 
-void LoadStateFile(const std::string& path, chip::RouterChip& chip) {
+std::string LoadStateFile(const std::string& path, chip::RouterChip& chip) {
   const std::string text = ReadAll(path);
   try {
-    ReplaceState(text, chip);
+    return ReplaceState(text, chip);
   } catch (const StateError& error) {
     throw StateError("cannot load the state '" + path + "': " + Printable(error.what()));
   }
@@ -111,17 +115,16 @@ StateFile::StateFile(const std::string& path) : path_(path), target_(Followed(pa
   if (path.empty()) throw std::runtime_error(doing + " '': a file needs a name");
   if (access(FolderOf(target_).c_str(), W_OK | X_OK) != 0) Fail(doing, path);
   if (std::filesystem::exists(target_) && !std::filesystem::is_regular_file(target_)) {
-    throw std::runtime_error(doing + " '" + path + "': it is no regular file");
+    throw std::runtime_error(doing + " '" + path + "': it is not a regular file");
   }
 }
 
-void StateFile::Save(chip::RouterChip& chip) const {
-  const std::string text = StateText(chip);
+void StateFile::Save(chip::RouterChip& chip, const std::string& note) const {
+  const std::string text = StateText(chip, note);
   std::string temporary = target_ + ".XXXXXX";
   const Descriptor file(mkostemp(temporary.data(), O_CLOEXEC));
-  const bool written = file.Open() && WriteAll(file.Get(), text) &&
-                       fchmod(file.Get(), ModeFor(target_)) == 0 && fsync(file.Get()) == 0 &&
-                       rename(temporary.c_str(), target_.c_str()) == 0;
+  const bool written = file.Open() && WriteAll(file.Get(), text) && TakeOver(file.Get(), target_) &&
+                       fsync(file.Get()) == 0 && rename(temporary.c_str(), target_.c_str()) == 0;
   if (!written) {
     const int error = errno;
     if (file.Open()) unlink(temporary.c_str());

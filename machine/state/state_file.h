@@ -6,9 +6,9 @@
 
 namespace board {
 
-/// Replaces the state by that of a file. Throws std::runtime_error, naming file, place and reason,
-/// and then nothing has changed.
-void LoadStateFile(const std::string& path, chip::RouterChip& chip);
+/// Replaces the state by that of a file; the note in it. Throws std::runtime_error, naming file,
+/// place and reason, and then nothing has changed.
+std::string LoadStateFile(const std::string& path, chip::RouterChip& chip);
 
 /// A file that will take a state. At every moment it holds all of the old content or all of the
 /// new.
@@ -20,7 +20,7 @@ class StateFile {
 
   /// Replaces the content and waits until it is on the disk. Throws std::system_error, naming the
   /// file; the old content is still there then.
-  void Save(chip::RouterChip& chip) const;
+  void Save(chip::RouterChip& chip, const std::string& note) const;
 
  private:
   std::string path_;    ///< As it was given.

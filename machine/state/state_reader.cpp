@@ -1,55 +1,12 @@
 #include "machine/state/state_reader.h"
 
 #include <charconv>
-#include <set>
 #include <utility>
 
 namespace board {
 namespace {
 
 using nlohmann::json;
-
-/// Finds members that come twice, of which a JSON parser keeps one.
-class RepetitionCheck {
- public:
-  bool operator()(int /*depth*/, json::parse_event_t event, const json& parsed) {
-    if (event == json::parse_event_t::object_start) open_.emplace_back();
-    if (event == json::parse_event_t::object_end) open_.pop_back();
-    if (event == json::parse_event_t::key) Note(parsed.get<std::string>());
-    return true;
-  }
-
- private:
-  struct Object {
-    std::set<std::string> names;
-    std::string latest;
-  };
-
-  void Note(const std::string& name) {
-    open_.back().latest = name;
-    if (open_.back().names.insert(name).second) return;
-    json::json_pointer pointer;
-    for (const Object& object : open_) pointer /= object.latest;
-    throw StateError(pointer.to_string() + ": is there twice");
-  }
-
-  std::vector<Object> open_;
-};
-
-/// The parser's message without the name of its exception.
-std::string ReasonOf(const json::exception& error) {
-  const std::string text = error.what();
-  const std::size_t end_of_name = text.find("] ");
-  return end_of_name == std::string::npos ? text : text.substr(end_of_name + 2);
-}
-
-json Parse(const std::string& text) {
-  try {
-    return json::parse(text, RepetitionCheck());
-  } catch (const json::exception& error) {
-    throw StateError(ReasonOf(error));
-  }
-}
 
 /// The number that all of the text stands for in hexadecimal.
 bool ParseHex(std::string_view text, std::uint64_t& value) {
@@ -59,10 +16,7 @@ bool ParseHex(std::string_view text, std::uint64_t& value) {
 
 }  // namespace
 
-StateReader::StateReader(const std::string& text) {
-  open_.push_back({"", Parse(text)});
-  if (!open_.back().value.is_object()) throw StateError("it is no JSON object");
-}
+StateReader::StateReader(json state) { open_.push_back({"", std::move(state)}); }
 
 void StateReader::Refuse(const std::string& name, const std::string& reason) const {
   const json::json_pointer pointer(open_.back().pointer);
@@ -78,9 +32,10 @@ json StateReader::Take(const std::string& name) {
   return value;
 }
 
-void StateReader::Text(const std::string& name, const std::string& text) {
-  const json value = Take(name);
-  if (value != text) Refuse(name, "is not '" + text + "'");
+void StateReader::Text(const std::string& name, std::string& value) {
+  const json taken = Take(name);
+  if (!taken.is_string()) Refuse(name, "is not a text");
+  value = taken.get<std::string>();
 }
 
 bool StateReader::Omits(const std::string& name, bool /*is_default*/) {
@@ -89,7 +44,7 @@ bool StateReader::Omits(const std::string& name, bool /*is_default*/) {
 
 void StateReader::Enter(const std::string& name) {
   json value = Take(name);
-  if (!value.is_object()) Refuse(name, "is no object");
+  if (!value.is_object()) Refuse(name, "is not an object");
   open_.push_back({open_.back().pointer + "/" + name, std::move(value)});
 }
 
@@ -105,7 +60,7 @@ void StateReader::Leave() {
 
 void StateReader::EnterList(const std::string& name, std::size_t& size, std::size_t most) {
   json value = Take(name);
-  if (!value.is_array()) Refuse(name, "is no list");
+  if (!value.is_array()) Refuse(name, "is not a list");
   size = value.size();
   if (size > most) Refuse(name, "has more than " + std::to_string(most) + " elements");
   open_.push_back({open_.back().pointer + "/" + name, std::move(value)});
@@ -115,7 +70,7 @@ void StateReader::EnterElement() {
   Open& list = open_.back();
   const std::string name = std::to_string(list.next);
   json value = std::move(list.value[list.next++]);
-  if (!value.is_object()) Refuse(name, "is no object");
+  if (!value.is_object()) Refuse(name, "is not an object");
   open_.push_back({list.pointer + "/" + name, std::move(value)});
 }
 
@@ -128,12 +83,12 @@ void StateReader::Flag(const std::string& name, bool& flag) {
 std::vector<std::uint8_t> StateReader::TakeBytes(const std::string& name) {
   const json value = Take(name);
   std::vector<std::uint8_t> bytes;
-  if (!value.is_string()) Refuse(name, "is no text of hexadecimal digits");
+  if (!value.is_string()) Refuse(name, "is not a text of hexadecimal digits");
   const std::string_view text = value.get_ref<const std::string&>();
   for (std::size_t i = 0; i < text.size(); i += 2) {
     std::uint64_t byte = 0;
     if (text.size() - i < 2 || !ParseHex(text.substr(i, 2), byte)) {
-      Refuse(name, "is no text of pairs of hexadecimal digits");
+      Refuse(name, "is not a text of pairs of hexadecimal digits");
     }
     bytes.push_back(static_cast<std::uint8_t>(byte));
   }
@@ -163,7 +118,7 @@ void StateReader::HexNumber(const std::string& name, std::uint64_t& number, std:
   const json value = Take(name);
   const std::string text = value.is_string() ? value.get<std::string>() : "";
   if (text.size() != digits || !ParseHex(text, number)) {
-    Refuse(name, "is no text of " + std::to_string(digits) + " hexadecimal digits");
+    Refuse(name, "is not a text of " + std::to_string(digits) + " hexadecimal digits");
   }
   if ((number & ~bits) != 0) Refuse(name, "has bits set that do not exist");
 }
@@ -171,7 +126,7 @@ void StateReader::HexNumber(const std::string& name, std::uint64_t& number, std:
 void StateReader::DecimalNumber(const std::string& name, std::uint64_t& number,
                                 std::uint64_t most) {
   const json value = Take(name);
-  if (!value.is_number_unsigned()) Refuse(name, "is no number");
+  if (!value.is_number_unsigned()) Refuse(name, "is not a number");
   number = value.get<std::uint64_t>();
   if (number > most) Refuse(name, "is above " + std::to_string(most));
 }

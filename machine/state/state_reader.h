@@ -10,15 +10,11 @@
 
 namespace board {
 
-/// Replaces a state by what is noted in JSON. Everything throws StateError, with the JSON pointer
-/// of the place, when there is not exactly what is asked for.
+/// Replaces a state by what is noted in a JSON object. Everything throws StateError, with the JSON
+/// pointer of the place, when there is not exactly what is asked for.
 class StateReader : public chip::StateArchive {
  public:
-  /// Throws StateError for a text that is no JSON or has a member twice.
-  explicit StateReader(const std::string& text);
-
-  /// The text must be that member's.
-  void Text(const std::string& name, const std::string& text);
+  explicit StateReader(nlohmann::json state);
 
   /// To be called at the end: nothing may be left.
   void Finish() const { ExpectNothingLeft(); }
@@ -30,6 +26,7 @@ class StateReader : public chip::StateArchive {
   void EnterList(const std::string& name, std::size_t& size, std::size_t most) override;
   void EnterElement() override;
   void Flag(const std::string& name, bool& value) override;
+  void Text(const std::string& name, std::string& value) override;
   void Bytes(const std::string& name, std::span<std::uint8_t> bytes) override;
   void Queue(const std::string& name, std::deque<std::uint8_t>& bytes) override;
   void Require(bool holds, const std::string& name, const std::string& reason) override;

@@ -4,16 +4,18 @@
 
 #include "mac/frame.h"
 #include "mac/packet_service.h"
+#include "machine/state/state_json.h"
 #include "machine/state/state_reader.h"
 #include "machine/state/state_writer.h"
+#include "machine/state/version1.h"
 
 namespace board {
 namespace {
 
 constexpr char kFormat[] = "virtual-board state";
 
-/// Goes up with every change of the format. Lower versions have to be read too; this is the first.
-constexpr unsigned kVersion = 1;
+/// Goes up with every change of the format. Lower versions have to be read too.
+constexpr unsigned kVersion = 2;
 
 /// What the monitor keeps from one command to the next and a command shows or follows.
 struct MonitorSettings {
@@ -32,7 +34,7 @@ struct MonitorSettings {
     const bool known = receive_mode == monitor::kReceiveManual ||
                        receive_mode == monitor::kReceiveAuto ||
                        receive_mode == monitor::kReceiveForward;
-    archive.Require(known, "receive_mode", "is no receive mode");
+    archive.Require(known, "receive_mode", "is not a receive mode");
     archive.Flag("arp_auto_reply", arp_auto_reply);
     constexpr std::uint8_t kPastLast = monitor::kLastTransmitHandle + 1;
     archive.Count("transmit_cursor", transmit_cursor, kPastLast);
@@ -41,9 +43,11 @@ struct MonitorSettings {
 };
 
 /// Either direction.
-template <typename Archive>
-void VisitState(Archive& archive, chip::RouterChip& chip, MonitorSettings& settings) {
-  archive.Text("format", kFormat);
+void VisitState(chip::StateArchive& archive, chip::RouterChip& chip, MonitorSettings& settings,
+                std::string& note) {
+  std::string format = kFormat;
+  archive.Text("format", format);
+  archive.Require(format == kFormat, "format", std::string("is not '") + kFormat + "'");
   unsigned version = kVersion;
   archive.Count("version", version);
   archive.Require(version != 0, "version", "is below 1");
@@ -51,31 +55,42 @@ void VisitState(Archive& archive, chip::RouterChip& chip, MonitorSettings& setti
                   "is " + std::to_string(version) +
                       ", which needs a newer virtual-board; this one " +
                       "reads states up to version " + std::to_string(kVersion));
+  if (archive.Omits("note", note.empty())) {
+    note.clear();
+  } else {
+    archive.Text("note", note);
+  }
   archive.Group("monitor", [&] { settings.State(archive); });
   chip.State(archive);
 }
 
-void Read(const std::string& text, chip::RouterChip& chip, MonitorSettings& settings) {
-  StateReader reader(text);
-  VisitState(reader, chip, settings);
+/// Gives the note.
+std::string Read(const nlohmann::json& state, chip::RouterChip& chip, MonitorSettings& settings) {
+  StateReader reader(state);
+  std::string note;
+  VisitState(reader, chip, settings, note);
   reader.Finish();
+  return note;
 }
 
 }  // namespace
 
-std::string StateText(chip::RouterChip& chip) {
+std::string StateText(chip::RouterChip& chip, std::string note) {
   MonitorSettings settings;
   StateWriter writer;
-  VisitState(writer, chip, settings);
+  VisitState(writer, chip, settings, note);
   return writer.Text();
 }
 
-void ReplaceState(const std::string& text, chip::RouterChip& chip) {
+std::string ReplaceState(const std::string& text, chip::RouterChip& chip) {
+  nlohmann::json state = ParseStateJson(text);
+  if (state.value("version", nlohmann::json()).dump() == "1") ConvertVersion1(state);
   MonitorSettings settings;
   // What a chip of no account takes, the real one takes too.
-  Read(text, *std::make_unique<chip::RouterChip>(), settings);
-  Read(text, chip, settings);
+  Read(state, *std::make_unique<chip::RouterChip>(), settings);
+  std::string note = Read(state, chip, settings);
   settings.Apply();
+  return note;
 }
 
 }  // namespace board

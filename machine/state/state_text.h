@@ -9,11 +9,11 @@
 
 namespace board {
 
-/// The state in JSON. Timers stand where they are now.
-[[nodiscard]] std::string StateText(chip::RouterChip& chip);
+/// The state in JSON, with the user's note if there is one. Timers stand where they are now.
+[[nodiscard]] std::string StateText(chip::RouterChip& chip, std::string note = "");
 
-/// Replaces the state by that of the text, whatever it was before. Throws StateError, and then
-/// nothing has changed.
-void ReplaceState(const std::string& text, chip::RouterChip& chip);
+/// Replaces the state by that of the text, whatever it was before; the note in it. Throws
+/// StateError, and then nothing has changed.
+std::string ReplaceState(const std::string& text, chip::RouterChip& chip);
 
 }  // namespace board

@@ -17,8 +17,6 @@ class StateWriter : public chip::StateArchive {
   /// What has been noted, as text. Everything entered must have been left.
   [[nodiscard]] std::string Text() const { return open_.front().value.dump(1) + "\n"; }
 
-  void Text(const std::string& name, const std::string& text) { Add(name, text); }
-
   [[nodiscard]] bool Loading() const override { return false; }
   [[nodiscard]] bool Omits(const std::string& name, bool is_default) override;
   void Enter(const std::string& name) override;
@@ -26,6 +24,7 @@ class StateWriter : public chip::StateArchive {
   void EnterList(const std::string& name, std::size_t& size, std::size_t most) override;
   void EnterElement() override { Enter(""); }
   void Flag(const std::string& name, bool& value) override { Add(name, value); }
+  void Text(const std::string& name, std::string& value) override { Add(name, value); }
   void Bytes(const std::string& name, std::span<std::uint8_t> bytes) override;
   void Queue(const std::string& name, std::deque<std::uint8_t>& bytes) override;
   void Require(bool holds, const std::string& name, const std::string& reason) override;

@@ -9,6 +9,7 @@ import shutil
 import signal
 import stat
 import subprocess
+import time
 import unittest
 
 import board
@@ -247,12 +248,81 @@ class Restart(StateTest):
         passed = int(first["counter"], 16) - int(second["counter"], 16)
         self.assertIn(passed, range(0, 1000))
 
+    def test_note_survives(self):
+        state = self.save(b"")
+        self.assertNotIn("note", state)
+        state["note"] = "first line\n\"second\", with \u00fc\0\x1b"
+        self.write("saved", json.dumps(state).encode())
+        for _ in range(2):
+            self.run_board(b"l3 5\n", "--load", self.path("saved"), "--save", self.path("saved"))
+        self.assertEqual(json.loads(self.content("saved"))["note"], state["note"])
+
+    def test_entries_are_decoded(self):
+        state = self.save(FILL + b"macaddr i wan 203.0.113.2\nmacaddr m wan 0200000000aa\n")
+        self.assertEqual(state["version"], 2)
+        self.assertEqual(state["l3"]["entries"]["05"], {
+            "ip": "10.1.2.0", "mask": 24, "next_hop": "10.1.2.1", "port": "lan", "pppoe": True,
+            "session": 3, "direct": True, "wan_mac": False, "valid": True, "counter": 0x77})
+        self.assertEqual(state["nat"]["server"]["03"], {
+            "sip": "10.0.0.3", "sport": "1001", "dip": "20.0.0.4", "dport": "0051", "tcp": False,
+            "nsip": "1.2.3.5", "nsport": "2001", "age": 6, "server": True, "valid": True})
+        self.assertEqual(state["arp"]["entries"]["07"], {
+            "ip": "10.1.2.3", "mac": "02:11:22:33:44:55", "valid": True})
+        self.assertEqual(state["mcast"]["entries"]["09"], {
+            "ip": "224.0.0.9", "ports": "lan dmz", "valid": True, "counter": 0x1234})
+        self.assertEqual(state["pst"]["entries"]["02"], {
+            "ip": "10.3.3.3", "session": "1234", "vlan": "0005", "server_mac": "02:00:00:00:00:02",
+            "force": True, "tag": True, "used": False, "valid": True})
+        self.assertEqual(state["pdr"]["entries"]["11"], {
+            "ip": "10.4.4.4", "pppoe": True, "session": 2, "valid": True})
+        self.assertEqual(state["pxt"]["entries"]["01"]["external_mac"], "02:00:00:00:00:02")
+        self.assertEqual(state["pxt"]["entries"]["01"]["port"], "dmz")
+        rule = state["classifier"]["entries"]["46"]
+        self.assertEqual((rule["sip"], rule["sip_mask"], rule["ether_type"], rule["smac"]),
+                         ("10.0.0.0", 8, "0800", "02:00:00:00:00:01"))
+        self.assertEqual((rule["sip_valid"], rule["dip_valid"], rule["drop_high"]),
+                         (True, False, True))
+        registers = state["registers"]
+        self.assertEqual(registers["WAN_IP"], "203.0.113.2")
+        self.assertEqual(registers["WAN_MAC"], "02:00:00:00:00:aa")
+        self.assertEqual(registers["MAC_CONTROL[2]"], "2f")
+
     def test_old_state_gives_way_in_place(self):
         path = self.path("saved")
         for line in (b"arp 1 = 10.0.0.1 020000000001\n", b"arp 2 = 10.0.0.2 020000000002\n"):
             load = ["--load", path] if os.path.exists(path) else []
             self.run_board(line, *load, "--save", path)
         self.assertEqual(list(json.loads(self.content("saved"))["arp"]["entries"]), ["01", "02"])
+
+
+VERSION1 = os.path.join(os.path.dirname(__file__), "..", "state", "version1")
+
+
+class Version1(StateTest):
+    """Files that were saved in the first version, each beside the commands that led to it."""
+
+    def test_is_the_board_that_it_was(self):
+        states = sorted(glob.glob(os.path.join(VERSION1, "*.json")))
+        self.assertEqual(len(states), 3)
+        for path in states:
+            with self.subTest(path):
+                with open(path[:-len("json")] + "commands", "rb") as commands:
+                    support.run([BOARD, "--plain", "--save", self.path("typed")], commands.read())
+                self.run_board(b"", "--load", path, "--save", self.path("converted"))
+                self.assertEqual(json.loads(self.content("converted"))["version"], 2)
+                self.assertEqual(self.content("converted"), self.content("typed"))
+
+    def test_damage_is_noticed(self):
+        with open(os.path.join(VERSION1, "every_block.json"), "rb") as file:
+            text = file.read()
+        for edit, reason in VERSION1_EDITS:
+            with self.subTest(reason):
+                state = json.loads(text)
+                edit(state)
+                path = self.write("damaged", json.dumps(state).encode())
+                done = support.run([BOARD, "--load", path], b"l3 5\n")
+                self.assertEqual((done.returncode, done.stdout), (1, b""))
+                self.assertIn(reason, done.stderr.decode())
 
 
 def change(pointer, value):
@@ -278,37 +348,54 @@ def leave_out(pointer):
 EDITS = [
     (change("/format", "something"), "/format: is not 'virtual-board state'"),
     (leave_out("/format"), "/format: is missing"),
-    (change("/version", 2), "/version: is 2, which needs a newer virtual-board"),
+    (change("/version", 3), "/version: is 3, which needs a newer virtual-board"),
     (change("/version", 0), "/version: is below 1"),
-    (change("/version", "1"), "/version: is no number"),
-    (change("/version", -1), "/version: is no number"),
-    (change("/version", 1e30), "/version: is no number"),
+    (change("/version", "1"), "/version: is not a number"),
+    (change("/version", -1), "/version: is not a number"),
+    (change("/version", 1e30), "/version: is not a number"),
     (leave_out("/uart/fifos_on"), "/uart/fifos_on: is missing"),
     (leave_out("/arp"), "/arp: is missing"),
-    (change("/arp", []), "/arp: is no object"),
+    (change("/arp", []), "/arp: is not an object"),
     (change("/uart/fifos_on", 1), "/uart/fifos_on: is neither true nor false"),
-    (change("/uart/received", "4"), "/uart/received: is no text of pairs of hexadecimal digits"),
-    (change("/uart/received", "4g"), "/uart/received: is no text of pairs of hexadecimal digits"),
-    (change("/uart/received", 4), "/uart/received: is no text of hexadecimal digits"),
+    (change("/uart/received", "4"), "/uart/received: is not a text of pairs of hexadecimal"),
+    (change("/uart/received", "4g"), "/uart/received: is not a text of pairs of hexadecimal"),
+    (change("/uart/received", 4), "/uart/received: is not a text of hexadecimal digits"),
     (change("/uart/surprise", 1), "/uart/surprise: has no meaning here"),
     (change("/a~b", 1), "/a~0b: has no meaning here"),
     (change("/sur\x1b[2Jprise", 1), "/sur?[2Jprise: has no meaning here"),
-    (change("/l3/entries/05/ip", "0a01020"), "/l3/entries/05/ip: is no text of 8 hexadecimal"),
-    (change("/l3/entries/05/ip", "0a01020g"), "/l3/entries/05/ip: is no text of 8 hexadecimal"),
-    (change("/l3/entries/05/ip", "-a010200"), "/l3/entries/05/ip: is no text of 8 hexadecimal"),
-    (change("/l3/entries/05/counter", -1), "/l3/entries/05/counter: is no number"),
+    *((change("/l3/entries/05/ip", text), "/l3/entries/05/ip: is not an IP address")
+      for text in ("10.1.2", "10.1.2.0.", "10.1.2.256", "10.1.2.-1", "10.1.02.0", "10.1.2.0 ", "",
+                   "a.1.2.0", "0a010200", "10.1..0")),
+    (change("/l3/entries/05/ip", 5), "/l3/entries/05/ip: is not a text"),
+    *((change("/arp/entries/07/mac", text), "/arp/entries/07/mac: is not a MAC address")
+      for text in ("021122334455", "02:11:22:33:44", "02:11:22:33:44:5", "02-11-22-33-44-55",
+                   "02:11:22:33:44:5g", "02:11:22:33:44:55:66", "02:11:22:33:44-55", "")),
+    *((change("/l3/entries/05/port", text), "/l3/entries/05/port: is not a list of wan, lan, dmz")
+      for text in ("eth0", "lan lan", "lan ", " lan", "lan,wan", "LAN")),
+    (change("/pxt/entries/01/port", "wan"), "/pxt/entries/01/port: is none of the words for it"),
+    (change("/pst/entries/02/session", "123"), "/session: is not a text of 4 hexadecimal digits"),
+    (change("/pst/entries/02/session", "123g"), "/session: is not a text of 4 hexadecimal digits"),
+    (change("/pst/entries/02/session", "-123"), "/session: is not a text of 4 hexadecimal digits"),
+    (change("/classifier/entries/46/interfaces", 1), "/interfaces: is not a text"),
+    (change("/classifier/entries/46/flags3_rest", "04"), "flags3_rest: has bits set that do not"),
+    (change("/nat/main/10/age", 65536), "/nat/main/10/age: is above 65535"),
+    (change("/l3/entries/05/counter", -1), "/l3/entries/05/counter: is not a number"),
     (change("/l3/entries/05/counter", 2**32), "/l3/entries/05/counter: is above 4294967295"),
-    (change("/l3/entries/05/encapsulation", "08"), "encapsulation: has bits set that do not exist"),
+    (change("/l3/entries/05/session", 4), "/l3/entries/05/session: is above 3"),
     (leave_out("/l3/entries/05/counter"), "/l3/entries/05/counter: is missing"),
     (change("/l3/entries/40", {}), "/l3/entries/40: has no meaning here"),
     (change("/l3/entries/5", {}), "/l3/entries/5: has no meaning here"),
     (change("/l3/overflow", "00"), "/l3/overflow: has 1 bytes, not 8"),
     (change("/l3/engine/status", "ff"), "/l3/engine/status: has bits set that do not exist"),
-    (change("/registers/0600 L3_IQ", "00000000"), "/registers/0600 L3_IQ: has no meaning here"),
-    (change("/registers/0600 L3_IP", "00"), "/registers/0600 L3_IP: has 1 bytes, not 4"),
+    (change("/registers/L3_IQ", "00000000"), "/registers/L3_IQ: has no meaning here"),
+    (change("/registers/MAC_CONTROL", "00"), "/registers/MAC_CONTROL: has no meaning here"),
+    (change("/registers/L3_IP", "0a010200"), "/registers/L3_IP: is not an IP address"),
+    (change("/registers/CPU_MAC", "00"), "/registers/CPU_MAC: is not a MAC address"),
+    (change("/registers/L3_COUNTER", "00"), "/registers/L3_COUNTER: has 1 bytes, not 4"),
+    (change("/note", 1), "/note: is not a text"),
     (change("/no_register/0600", "00"), "/no_register/0600: has no meaning here"),
     (change("/stat_counters/wan/SC_FRMSNDFAIL", 256), "SC_FRMSNDFAIL: is above 255"),
-    (change("/monitor/receive_mode", 2), "/monitor/receive_mode: is no receive mode"),
+    (change("/monitor/receive_mode", 2), "/monitor/receive_mode: is not a receive mode"),
     (change("/monitor/transmit_cursor", 17), "/monitor/transmit_cursor: is above 16"),
     (change("/monitor/transmit_cursor", 0), "/monitor/transmit_cursor: is below 1"),
     (change("/frames/pool", ""), "/frames/pool: buffer 12 is nowhere"),
@@ -319,14 +406,39 @@ EDITS = [
     (change("/frames/held", "101110"), "/frames/held: buffer 10 is there twice"),
     (change("/frames/held", "11"), "/frames/received: buffer 10 is not held"),
     (change("/frames/received", "1010"), "/frames/received: buffer 10 is there twice"),
-    (change("/frames/queues/lan", {}), "/frames/queues/lan: is no list"),
-    (change("/frames/queues/lan", [1]), "/frames/queues/lan/0: is no object"),
+    (change("/frames/queues/lan", {}), "/frames/queues/lan: is not a list"),
+    (change("/frames/queues/lan", [1]), "/frames/queues/lan/0: is not an object"),
     (change("/frames/queues/lan", [{"handle": "01"}]), "/frames/queues/lan/0/length: is missing"),
     (change("/frames/queues/lan", [{"handle": "01", "length": 1525}]), "length: is above 1524"),
     (change("/frames/queues/lan", [{"handle": "01", "length": 0}]), "empty frames are not sent"),
     (change("/frames/queues/lan", 257 * [{}]), "/frames/queues/lan: has more than 256 elements"),
     (change("/frames/memory/101", {}), "/frames/memory/101: has no meaning here"),
     (change("/frames/memory/01/801", "00"), "/frames/memory/01/801: has no meaning here"),
+]
+
+
+VERSION1_EDITS = [
+    (leave_out("/arp"), "/arp: is missing"),
+    (change("/arp", []), "/arp: is not an object"),
+    (change("/arp/entries", None), "/arp/entries: is not an object"),
+    (change("/arp/entries/40", {}), "/arp/entries/40: has no meaning here"),
+    (change("/arp/entries/7", {}), "/arp/entries/7: has no meaning here"),
+    (change("/arp/entries/07", 7), "/arp/entries/07: is not an object"),
+    (leave_out("/arp/entries/07/mac"), "/arp/entries/07/mac: is missing"),
+    (change("/arp/entries/07/more", 1), "/arp/entries/07: has members that have no meaning here"),
+    (change("/arp/entries/07/mac", "0211"), "/arp/entries/07/mac: is not a text of 12 hexadecimal"),
+    (change("/arp/entries/07/mac", "02112233445g"), "/arp/entries/07/mac: is not a text of 12"),
+    (change("/arp/entries/07/valid", 1), "/arp/entries/07/valid: is neither true nor false"),
+    (change("/l3/entries/05/counter", 2**32), "/l3/entries/05/counter: is too large"),
+    (leave_out("/nat/main/10/valid"), "/nat/main/10/valid: is missing"),
+    (leave_out("/classifier/stored_since_start/rule"), "/classifier/stored_since_start/rule: is"),
+    (change("/pdr/stored_since_start", 1), "/pdr/stored_since_start: is neither true nor false"),
+    (change("/registers", 1), "/registers: is not an object"),
+    (change("/registers/1f00 X", "00"), "/registers/1f00 X: has no meaning here"),
+    (change("/registers/L3_IP", "00"), "/registers/L3_IP: has no meaning here"),
+    (change("/registers/0600 L3_IP", "0"), "/registers/0600 L3_IP: is not the content of"),
+    (change("/registers/0600 L3_IP", 7), "/registers/0600 L3_IP: is not the content of"),
+    (change("/uart/surprise", 1), "/uart/surprise: has no meaning here"),
 ]
 
 
@@ -367,27 +479,67 @@ class Damaged(StateTest):
         self.refused(self.text[:-2], "unexpected end of input")
 
     def test_changed_bytes(self):
-        line = b' "version": 1,'
+        line = b' "version": 2,'
         self.assertEqual(self.text.splitlines()[2], line)
-        for broken in (b' "version" 1,', b' "version": 1', b' \x00"version": 1,', b' "\xff": 1,'):
+        for broken in (b' "version" 2,', b' "version": 2', b' \x00"version": 2,', b' "\xff": 1,'):
             with self.subTest(broken):
-                place = "parse error at line " + ("4" if broken.endswith(b"1") else "3")
+                place = "parse error at line " + ("4" if broken.endswith(b"2") else "3")
                 self.refused(self.text.replace(line, broken), place)
         self.refused(self.text + b"x", "parse error")
 
     def test_member_that_comes_twice(self):
         twice = self.text.replace(b'"holding"', b'"received": "",\n  "holding"')
-        self.refused(twice, "/uart/received: is there twice")
+        self.refused(twice, "/uart/received: is a duplicate")
 
     def test_something_else(self):
-        self.refused(b"[]", "it is no JSON object")
-        self.refused(b"7", "it is no JSON object")
+        self.refused(b"[]", "it is not a JSON object")
+        self.refused(b"7", "it is not a JSON object")
         self.refused(b"{}", "/format: is missing")
         self.refused(os.urandom(4096))
-        self.refused(b"[" * 4000000, "parse error")
-        self.refused(b"[" * 4000000 + b"]" * 4000000, "it is no JSON object")
+        self.refused(b"[" * 16, "parse error")
         self.refused(b'{"' + b"x" * 100000 + b'":1', "parse error")
-        self.refused(b'{"format":' + 17 * 2**20 * b" ", "longer than any state")
+        self.refused(b'{"format":' + 4 * 2**20 * b" ", "longer than any state")
+
+    def test_nul(self):
+        """Nothing is ignored that follows one."""
+        for text in (self.text, b"{}\n"):
+            place = f"parse error at line {text.count(10) + 1}, column 1: a NUL byte"
+            self.refused(text + b"\x00", place)
+            self.refused(text + b"\x00 and more", place)
+        self.refused(b"\x00" + self.text, "parse error at line 1, column 1: a NUL byte")
+        self.refused(self.text.replace(b'"reset"', b'"re\x00set"'), "a NUL byte")
+
+    def test_hostile_shapes(self):
+        """Refused within a second and 100 MB, whatever the file would grow to in memory."""
+        shapes = {
+            b"[" * 2**24: "longer than any state",
+            b"[" * 2**22: "parse error at line 1, column 17: deeper than any state",
+            b'{"a":' * 2**19: "parse error at line 1, column 81: deeper than any state",
+            b"[" + b"[],\n" * (2**20 - 1): "parse error at line 50000, column 3: more values than",
+            b"[" + b"1," * (2**21 - 1): "parse error at line 1, column 200001: more values than",
+            b"{" + b"".join(b'"%x":0,' % i for i in range(2**18)): "more values than any state has",
+            b'{"format":"' + b"x" * 2**22: "longer than any state",
+            b'{"format":"' + b"x" * (2**22 - 13) + b'"}': "/format: is not 'virtual-board state'",
+        }
+        for shape, reason in shapes.items():
+            with self.subTest(shape[:8]):
+                path = self.write("hostile", shape)
+                begin = time.monotonic()
+                with subprocess.Popen([BOARD, "--load", path], stdin=subprocess.DEVNULL,
+                                      stdout=subprocess.DEVNULL, stderr=subprocess.PIPE) as process:
+                    message = process.stderr.read().decode()
+                    _, status, usage = os.wait4(process.pid, 0)
+                    process.returncode = os.waitstatus_to_exitcode(status)
+                self.assertLess(time.monotonic() - begin, support.DEADLINE)
+                self.assertEqual(process.returncode, 1, message)
+                self.assertIn(reason, message)
+                self.assertLess(usage.ru_maxrss, 100 * 1024)
+                self.assertLess(usage.ru_utime + usage.ru_stime, 1)
+
+    def test_depth_counts_brackets_outside_texts_alone(self):
+        noted = json.loads(self.text)
+        noted["note"] = '\\"[{' * 1000
+        self.run_board(b"", "--load", self.write("noted", json.dumps(noted).encode()))
 
     def test_files_that_cannot_be_read(self):
         for path, reason in ((self.path("missing"), "No such file or directory"),
@@ -432,9 +584,9 @@ class Saving(StateTest):
     def test_places_that_take_no_state(self):
         os.mkfifo(self.path("fifo"))
         self.refused(self.path("missing/name"), "No such file or directory")
-        self.refused(self.folder, "it is no regular file")
-        self.refused(self.path("fifo"), "it is no regular file")
-        self.refused("/dev/null", "it is no regular file")
+        self.refused(self.folder, "it is not a regular file")
+        self.refused(self.path("fifo"), "it is not a regular file")
+        self.refused("/dev/null", "it is not a regular file")
         self.refused("", "a file needs a name")
         self.assertTrue(stat.S_ISCHR(os.stat("/dev/null").st_mode))
 
@@ -458,6 +610,35 @@ class Saving(StateTest):
         os.chmod(self.path("saved"), 0o604)
         self.save(b"l3 5\n")
         self.assertEqual(stat.S_IMODE(os.stat(self.path("saved")).st_mode), 0o604)
+
+    def test_special_permissions_go(self):
+        """A state is never a program, with its owner's rights least of all."""
+        self.save(b"")
+        os.chmod(self.path("saved"), 0o7755)
+        self.save(b"l3 5\n")
+        self.assertEqual(stat.S_IMODE(os.stat(self.path("saved")).st_mode), 0o755)
+
+    @unittest.skipUnless(os.geteuid() == 0, "only root saves over somebody else's file")
+    def test_owner_stays(self):
+        self.save(b"")
+        os.chown(self.path("saved"), 1234, 4321)
+        os.chmod(self.path("saved"), 0o6750)
+        self.save(b"l3 5\n")
+        now = os.stat(self.path("saved"))
+        self.assertEqual((now.st_uid, now.st_gid), (1234, 4321))
+        self.assertEqual(stat.S_IMODE(now.st_mode), 0o750)
+
+    @unittest.skipUnless(os.geteuid() == 0, "only root can play two users")
+    def test_group_stays_where_the_owner_cannot(self):
+        """Somebody else saves, who is in the file's group."""
+        os.chmod(self.folder, 0o777)
+        self.save(b"")
+        os.chown(self.path("saved"), 1234, 4321)
+        done = subprocess.run([BOARD, "--save", self.path("saved")], input=b"", check=False,
+                              capture_output=True, user=1235, group=1235, extra_groups=[4321])
+        self.assertEqual(done.returncode, 0, done.stderr)
+        now = os.stat(self.path("saved"))
+        self.assertEqual((now.st_uid, now.st_gid), (1235, 4321))
 
     def test_link_stays(self):
         os.mkdir(self.path("far"))

@@ -172,10 +172,10 @@ class Twins : public testing::Test {
   /// Overflow and reference bits, which nothing here sets by itself.
   void SetBits() {
     Both([](Board& board) {
-      board.chip.l3.overflow.fill(0xFF);
-      board.chip.mcast.overflow.fill(0xFF);
-      board.chip.arp.reference.fill(0xFF);
-      board.chip.classifier.overflow.fill(0xFF);
+      board.chip.l3.map.fill(0xFF);
+      board.chip.mcast.map.fill(0xFF);
+      board.chip.arp.map.fill(0xFF);
+      board.chip.classifier.map.fill(0xFF);
       board.chip.stat_counters.overflow.fill(0x0FFFFFFF);
     });
   }

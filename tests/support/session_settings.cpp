@@ -2,7 +2,6 @@
 #include <cctype>
 #include <map>
 
-#include "chip/tables/map_bits.h"
 #include "mac/stat_counters_registers.h"
 #include "support/frame_directives.h"
 #include "support/session_words.h"
@@ -14,9 +13,9 @@ void SetCounted(Table& table, Words& words) {
   const std::string what = TakeWord(words);
   const std::uint32_t index = TakeHex(words) % Table::kSlots;
   if (what == "counter") {
-    table.entries[index].counter = TakeHex(words);
+    table.Mark(index).counter = TakeHex(words);
   } else if (what == "overflow") {
-    chip::SetEntryBit(table.overflow, index);
+    table.SetMapBit(index);
   } else {
     throw SessionError("the table has no " + what);
   }
@@ -25,36 +24,37 @@ void SetCounted(Table& table, Words& words) {
 void SetArp(SessionState& state, Words& words) {
   const std::string what = TakeWord(words);
   if (what != "reference") throw SessionError("arp has no " + what);
-  chip::SetEntryBit(state.chip.arp.reference, TakeHex(words) % chip::ArpTable::kSlots);
+  state.chip.arp.SetMapBit(TakeHex(words) % chip::ArpTable::kSlots);
 }
 
 void SetNat(SessionState& state, Words& words) {
   const std::string what = TakeWord(words);
   if (what != "fill") throw SessionError("nat has no " + what);
-  const std::uint32_t first = TakeHex(words) % chip::NatTables::kSlots;
-  const std::uint32_t last = TakeHex(words) % chip::NatTables::kSlots;
+  constexpr unsigned kSlots = decltype(state.chip.nat.main)::kSlots;
+  const std::uint32_t first = TakeHex(words) % kSlots;
+  const std::uint32_t last = TakeHex(words) % kSlots;
   for (std::uint32_t slot = first; slot <= last; ++slot) {
     const auto port = static_cast<std::uint16_t>(slot);
-    state.chip.nat.main[slot] = {.sip = slot,
-                                 .sport = port,
-                                 .dip = slot,
-                                 .dport = port,
-                                 .tcp = true,
-                                 .nsip = slot,
-                                 .nsport = port,
-                                 .age = port,
-                                 .server = false,
-                                 .valid = true};
+    state.chip.nat.main.Change(slot) = {.sip = slot,
+                                        .sport = port,
+                                        .dip = slot,
+                                        .dport = port,
+                                        .tcp = true,
+                                        .nsip = slot,
+                                        .nsport = port,
+                                        .age = port,
+                                        .server = false,
+                                        .valid = true};
   }
 }
 
 void SetClassifier(SessionState& state, Words& words) {
   const std::string what = TakeWord(words);
-  const std::uint32_t index = TakeHex(words) % chip::Classifier::kRules;
+  const std::uint32_t index = TakeHex(words) % chip::Classifier::kSlots;
   if (what == "counter") {
-    state.chip.classifier.entries[index].counter = TakeHex(words);
+    state.chip.classifier.Mark(index).counter = TakeHex(words);
   } else if (what == "overflow") {
-    state.chip.classifier.SetOverflow(index);
+    state.chip.classifier.SetMapBit(index);
   } else {
     throw SessionError("cls has no " + what);
   }
@@ -79,8 +79,7 @@ void SetStatCounters(SessionState& state, Words& words) {
 void SetPst(SessionState& state, Words& words) {
   const std::string what = TakeWord(words);
   if (what != "used") throw SessionError("pst has no " + what);
-  constexpr std::uint8_t kUsed = 0x02;
-  state.chip.pst.entries[TakeHex(words) % chip::PppoeSessionTable::kEntries].flags |= kUsed;
+  state.chip.pst.Mark(TakeHex(words) % chip::PppoeSessionTable::kSlots).used = true;
 }
 
 }  // namespace

@@ -122,38 +122,39 @@ TEST_F(ClassifierEngine, AWrittenRuleReadsBackAfterTheWindowHeldAnother) {
 }
 
 TEST_F(ClassifierEngine, ARuleWriteTakesTheWholeWindowButNoStaleCounter) {
-  chip_.classifier.entries[70].sip = 0x01020304;
-  chip_.classifier.entries[70].counter = 0x70;
-  chip_.classifier.entries[6].counter = 0x06;
+  chip_.classifier.Change(70).sip = 0x01020304;
+  chip_.classifier.Change(70).counter = 0x70;
+  chip_.classifier.Change(6).counter = 0x06;
   ReadRule(70);
   Store8(0x721, 6);
   Store32(0x71C, 0x00000201);
   Run(0x0D);
-  EXPECT_EQ(chip_.classifier.entries[6].control, 0x00000201U);
-  EXPECT_EQ(chip_.classifier.entries[6].sip, 0x01020304U);  // what the window held
-  EXPECT_EQ(chip_.classifier.entries[6].counter, 0x06U);    // was not stored
-  EXPECT_EQ(chip_.classifier.entries[70].control, 0U);
+  EXPECT_TRUE(chip_.classifier.Entries()[6].valid);
+  EXPECT_TRUE(chip_.classifier.Entries()[6].end);
+  EXPECT_EQ(chip_.classifier.Entries()[6].sip, 0x01020304U);  // what the window held
+  EXPECT_EQ(chip_.classifier.Entries()[6].counter, 0x06U);    // was not stored
+  EXPECT_FALSE(chip_.classifier.Entries()[70].valid);
 }
 
 TEST_F(ClassifierEngine, ACounterWriteLeavesTheRuleAlone) {
-  chip_.classifier.entries[5].sip = 0x01020304;
+  chip_.classifier.Change(5).sip = 0x01020304;
   Store32(0x704, 0xDEADBEEF);
   Store8(0x721, 5);
   Store32(0x724, 0x12345678);
   Run(0x2C);
-  EXPECT_EQ(chip_.classifier.entries[5].counter, 0x12345678U);
-  EXPECT_EQ(chip_.classifier.entries[5].sip, 0x01020304U);
+  EXPECT_EQ(chip_.classifier.Entries()[5].counter, 0x12345678U);
+  EXPECT_EQ(chip_.classifier.Entries()[5].sip, 0x01020304U);
 }
 
 TEST_F(ClassifierEngine, AnOverflowClearTakesAwayTheOnesAndNoCounter) {
-  chip_.classifier.overflow = {0xFF, 0, 0, 0, 0, 0, 0, 0, 0x81};
-  chip_.classifier.entries[5].counter = 7;
+  chip_.classifier.map = {0xFF, 0, 0, 0, 0, 0, 0, 0, 0x81};
+  chip_.classifier.Change(5).counter = 7;
   Store8(0x721, 5);
   for (unsigned i = 0; i < 9; ++i) Store8(0x728 + i, i == 0 ? 0x80 : i == 8 ? 0x01 : 0x00);
   Run(0x2C);
-  EXPECT_EQ(chip_.classifier.overflow[0], 0x7F);
-  EXPECT_EQ(chip_.classifier.overflow[8], 0x80);
-  EXPECT_EQ(chip_.classifier.entries[5].counter, 7U);
+  EXPECT_EQ(chip_.classifier.map[0], 0x7F);
+  EXPECT_EQ(chip_.classifier.map[8], 0x80);
+  EXPECT_EQ(chip_.classifier.Entries()[5].counter, 7U);
 
   Run(0x26);  // a read under the counter select loads everything all the same
   EXPECT_EQ(Load8(0x728), 0x7F);
@@ -163,19 +164,18 @@ TEST_F(ClassifierEngine, AnOverflowClearTakesAwayTheOnesAndNoCounter) {
 }
 
 TEST_F(ClassifierEngine, ARuleWriteClearsNoOverflow) {
-  chip_.classifier.overflow[0] = 0xFF;
+  chip_.classifier.map[0] = 0xFF;
   Store8(0x728, 0xFF);
   Run(0x0D);
-  EXPECT_EQ(chip_.classifier.overflow[0], 0xFF);
+  EXPECT_EQ(chip_.classifier.map[0], 0xFF);
 }
 
 TEST_F(ClassifierEngine, OverflowBitsBeginAtRule38) {
-  for (unsigned rule = 0; rule < 0x38; ++rule) chip_.classifier.SetOverflow(rule);
-  EXPECT_EQ(chip_.classifier.overflow, (std::array<std::uint8_t, 9>{}));
-  chip_.classifier.SetOverflow(0x38);
-  chip_.classifier.SetOverflow(0x7F);
-  EXPECT_EQ(chip_.classifier.overflow,
-            (std::array<std::uint8_t, 9>{0x80, 0, 0, 0, 0, 0, 0, 0, 0x01}));
+  for (unsigned rule = 0; rule < 0x38; ++rule) chip_.classifier.SetMapBit(rule);
+  EXPECT_EQ(chip_.classifier.map, (std::array<std::uint8_t, 9>{}));
+  chip_.classifier.SetMapBit(0x38);
+  chip_.classifier.SetMapBit(0x7F);
+  EXPECT_EQ(chip_.classifier.map, (std::array<std::uint8_t, 9>{0x80, 0, 0, 0, 0, 0, 0, 0, 0x01}));
 }
 
 TEST_F(ClassifierEngine, TheChainHeadIsARegisterByItself) {
@@ -198,17 +198,17 @@ TEST_F(ClassifierEngine, AFailedStepForgetsWhatWasStored) {
   Run(0x0D);
   chip_.classifier.engine.SetFault({});
   Run(0x0D);
-  EXPECT_EQ(chip_.classifier.entries[0].sip, 0U);
-  EXPECT_EQ(chip_.classifier.entries[0].counter, 0U);
+  EXPECT_EQ(chip_.classifier.Entries()[0].sip, 0U);
+  EXPECT_EQ(chip_.classifier.Entries()[0].counter, 0U);
 }
 
 TEST_F(ClassifierEngine, ResetEmptiesTheTable) {
-  chip_.classifier.entries[5].sip = 0x01020304;
-  chip_.classifier.overflow[0] = 0xFF;
+  chip_.classifier.Change(5).sip = 0x01020304;
+  chip_.classifier.map[0] = 0xFF;
   Store8(0x722, 0x7F);
   chip_.Reset();
-  EXPECT_EQ(chip_.classifier.entries[5].sip, 0U);
-  EXPECT_EQ(chip_.classifier.overflow[0], 0);
+  EXPECT_EQ(chip_.classifier.Entries()[5].sip, 0U);
+  EXPECT_EQ(chip_.classifier.map[0], 0);
   EXPECT_EQ(Load8(0x722), 0);
   EXPECT_EQ(Load8(0x720), 0x03);
 }

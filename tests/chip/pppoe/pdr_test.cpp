@@ -46,18 +46,19 @@ TEST_F(PdrEngine, AWrittenEntryReadsBackAfterTheWindowHeldAnother) {
 }
 
 TEST_F(PdrEngine, AnIndexAloneWritesNoEntry) {
-  chip_.pdr.entries[1] = {.ip = 0x01020304, .flags = 0x01};
-  chip_.pdr.entries[2] = {.ip = 0x05060708, .flags = 0x03};
+  chip_.pdr.Change(1) = {.ip = 0x01020304, .valid = true};
+  chip_.pdr.Change(2) = {.ip = 0x05060708, .pppoe = true, .valid = true};
   Store8(0xA14, 1);
   Run(0x06, 0x02);
   Store8(0xA14, 2);
   Run(0x0D, 0x09);
-  EXPECT_EQ(chip_.pdr.entries[2].ip, 0x05060708U);
-  EXPECT_EQ(chip_.pdr.entries[2].flags, 0x03);
+  EXPECT_EQ(chip_.pdr.Entries()[2].ip, 0x05060708U);
+  EXPECT_TRUE(chip_.pdr.Entries()[2].pppoe);
+  EXPECT_TRUE(chip_.pdr.Entries()[2].valid);
 }
 
 TEST_F(PdrEngine, TheIndexHasSixBits) {
-  chip_.pdr.entries[5].ip = 0x01020304;
+  chip_.pdr.Change(5).ip = 0x01020304;
   Store8(0xA14, 0xC5);
   Run(0x06, 0x02);
   EXPECT_EQ(chip_.registers.Load(0xA10, 4), 0x01020304U);
@@ -76,13 +77,13 @@ TEST_F(PdrEngine, AFailedStepForgetsWhatWasStored) {
   Run(0x0D, 0x09);
   chip_.pdr.engine.SetFault({});
   Run(0x0D, 0x09);
-  EXPECT_EQ(chip_.pdr.entries[0].ip, 0U);
+  EXPECT_EQ(chip_.pdr.Entries()[0].ip, 0U);
 }
 
 TEST_F(PdrEngine, ResetEmptiesTheTable) {
-  chip_.pdr.entries[63].ip = 1;
+  chip_.pdr.Change(63).ip = 1;
   chip_.Reset();
-  EXPECT_EQ(chip_.pdr.entries[63].ip, 0U);
+  EXPECT_EQ(chip_.pdr.Entries()[63].ip, 0U);
 }
 
 }  // namespace

@@ -63,11 +63,13 @@ TEST_F(PstEngine, BitsWithoutAMeaningAreNotKeptInTheEntry) {
   Store8(0xA0E, 0x30);
   Run(0x06, 0x02);
   EXPECT_EQ(Load8(0xA0E), 0x3F);
-  EXPECT_EQ(chip_.pst.entries[3].flags, 0x0F);
+  const PppoeSession& session = chip_.pst.Entries()[3];
+  EXPECT_TRUE(session.force && session.tag && session.used && session.valid);
 }
 
 TEST_F(PstEngine, AReadBringsAUsedBitSetBesideIt) {
-  chip_.pst.entries[1].flags = 0x03;
+  chip_.pst.Change(1).valid = true;
+  chip_.pst.Mark(1).used = true;
   Store8(0xA0E, 0x10);
   Run(0x06, 0x02);
   EXPECT_EQ(Load8(0xA0E), 0x13);
@@ -81,10 +83,10 @@ TEST_F(PstEngine, IsFoundByItsNameForFaults) {
 }
 
 TEST_F(PstEngine, ResetEmptiesTheTable) {
-  chip_.pst.entries[1].flags = 0x03;
+  chip_.pst.Change(1).valid = true;
   Store8(0xA0F, 0x06);
   chip_.Reset();
-  EXPECT_EQ(chip_.pst.entries[1].flags, 0);
+  EXPECT_FALSE(chip_.pst.Entries()[1].valid);
   EXPECT_EQ(Load8(0xA0F), 0x03);
 }
 

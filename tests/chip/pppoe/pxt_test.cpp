@@ -78,9 +78,9 @@ TEST_F(PxtEngine, IsFoundByItsNameForFaults) {
 }
 
 TEST_F(PxtEngine, ResetEmptiesTheTable) {
-  chip_.pxt.entries[1].flags = 0x81;
+  chip_.pxt.Change(1).valid = true;
   chip_.Reset();
-  EXPECT_EQ(chip_.pxt.entries[1].flags, 0);
+  EXPECT_FALSE(chip_.pxt.Entries()[1].valid);
 }
 
 }  // namespace

@@ -54,7 +54,7 @@ TEST_F(ResetBits, AHardwareResetTakesEverythingBackWhenItIsReleased) {
   chip_.registers.Store(0x600, 4, 0x0A010200);
   chip_.registers.Store(0x118, 2, 0x1000);
   Store8(0x105, 0xFF);
-  chip_.l3.entries[5].flags = 0x11;
+  chip_.l3.Change(5).valid = true;
   Store8(0x100, 0x01);
   EXPECT_EQ(Load8(0x240), 0xC0);
   Store8(0x100, 0x00);
@@ -62,7 +62,7 @@ TEST_F(ResetBits, AHardwareResetTakesEverythingBackWhenItIsReleased) {
   EXPECT_EQ(chip_.registers.Load(0x600, 4), 0U);
   EXPECT_EQ(chip_.registers.Load(0x118, 2), 0U);
   EXPECT_EQ(Load8(0x105), 0);
-  EXPECT_EQ(chip_.l3.entries[5].flags, 0);
+  EXPECT_FALSE(chip_.l3.Entries()[5].valid);
   EXPECT_EQ(Load8(0x60D), 0x03);
   EXPECT_EQ(Load8(0x101), 0x02);
   EXPECT_EQ(chip_.registers.Load(0x102, 2), 0x5910U);

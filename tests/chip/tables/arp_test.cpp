@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "chip/router_chip.h"
+#include "core/entry_map.h"
 
 namespace chip {
 namespace {
@@ -49,13 +50,13 @@ TEST_F(ArpEngine, AWrittenEntryReadsBackAfterTheWindowHeldAnother) {
 }
 
 TEST_F(ArpEngine, AReferenceClearTakesAwayTheOnesAndRewritesNoEntry) {
-  chip_.arp.reference = {0x81, 0, 0, 0, 0, 0, 0, 0xFF};
-  chip_.arp.entries[5].ip = 0x0A000002;
+  chip_.arp.map = {0x81, 0, 0, 0, 0, 0, 0, 0xFF};
+  chip_.arp.Change(5).ip = 0x0A000002;
   Store8(0x63C, 0x05);
   for (unsigned i = 0; i < 8; ++i) Store8(0x640 + i, i == 0 ? 0x80 : i == 7 ? 0x01 : 0x00);
   Run(0x0D);
-  EXPECT_EQ(chip_.arp.reference, (monitor::EntryMap{0x01, 0, 0, 0, 0, 0, 0, 0xFE}));
-  EXPECT_EQ(chip_.arp.entries[5].ip, 0x0A000002U);
+  EXPECT_EQ(chip_.arp.map, (monitor::EntryMap{0x01, 0, 0, 0, 0, 0, 0, 0xFE}));
+  EXPECT_EQ(chip_.arp.Entries()[5].ip, 0x0A000002U);
 
   Run(0x06);
   EXPECT_EQ(Load8(0x640), 0x01);
@@ -63,13 +64,13 @@ TEST_F(ArpEngine, AReferenceClearTakesAwayTheOnesAndRewritesNoEntry) {
 }
 
 TEST_F(ArpEngine, AnEntryWriteClearsNoReference) {
-  chip_.arp.reference = {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF};
+  chip_.arp.map = {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF};
   Run(0x06);
   Store8(0x63C, 0x05);
   Store8(0x63D, 0x01);
   Run(0x0D);
-  EXPECT_TRUE(chip_.arp.entries[5].valid);
-  EXPECT_EQ(chip_.arp.reference, monitor::kAllEntries);
+  EXPECT_TRUE(chip_.arp.Entries()[5].valid);
+  EXPECT_EQ(chip_.arp.map, monitor::kAllEntries);
 }
 
 TEST_F(ArpEngine, AFailedStepForgetsWhatWasStored) {
@@ -79,16 +80,16 @@ TEST_F(ArpEngine, AFailedStepForgetsWhatWasStored) {
   Run(0x0D);
   chip_.arp.engine.SetFault({});
   Run(0x0D);
-  EXPECT_EQ(chip_.arp.entries[0], ArpTable::Entry{});
+  EXPECT_EQ(chip_.arp.Entries()[0], ArpTable::Entry{});
 }
 
 TEST_F(ArpEngine, ResetEmptiesTheTable) {
-  chip_.arp.entries[5].valid = true;
-  chip_.arp.reference[0] = 0xFF;
+  chip_.arp.Change(5).valid = true;
+  chip_.arp.map[0] = 0xFF;
   Store8(0x63B, 0x06);
   chip_.Reset();
-  EXPECT_FALSE(chip_.arp.entries[5].valid);
-  EXPECT_EQ(chip_.arp.reference[0], 0);
+  EXPECT_FALSE(chip_.arp.Entries()[5].valid);
+  EXPECT_EQ(chip_.arp.map[0], 0);
   EXPECT_EQ(Load8(0x63B), 0x03);
 }
 

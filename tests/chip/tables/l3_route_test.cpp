@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "chip/router_chip.h"
+#include "core/entry_map.h"
 
 namespace chip {
 namespace {
@@ -66,25 +67,33 @@ TEST_F(L3Engine, AWrittenRouteReadsBackAfterTheWindowHeldAnother) {
   EXPECT_EQ(Load8(0x605), 0x05);  // only three bits exist
 }
 
+TEST_F(L3Engine, TheFlagWithoutANameIsKept) {
+  Store8(0x60C, 0x80);
+  Run(0x0D);
+  Store8(0x60C, 0x00);
+  Run(0x06);
+  EXPECT_EQ(Load8(0x60C), 0x80);
+}
+
 TEST_F(L3Engine, ACounterWriteLeavesTheRouteAlone) {
-  chip_.l3.entries[5] = {.ip = 0x01020304, .flags = 0x11, .counter = 7};
+  chip_.l3.Change(5) = {.ip = 0x01020304, .port = 1, .valid = true, .counter = 7};
   chip_.registers.Store(0x600, 4, 0xDEADBEEF);
   Run(0x06);  // a read forgets what was stored before it
   Store8(0x60E, 0x05);
   chip_.registers.Store(0x610, 4, 0x12345678);
   Run(0x1D);
-  EXPECT_EQ(chip_.l3.entries[5].counter, 0x12345678U);
-  EXPECT_EQ(chip_.l3.entries[5].ip, 0x01020304U);
+  EXPECT_EQ(chip_.l3.Entries()[5].counter, 0x12345678U);
+  EXPECT_EQ(chip_.l3.Entries()[5].ip, 0x01020304U);
 }
 
 TEST_F(L3Engine, AnOverflowClearTakesAwayTheOnesAndRewritesNoRoute) {
-  chip_.l3.overflow = {0xFF, 0, 0, 0, 0, 0, 0, 0x81};
-  chip_.l3.entries[5].ip = 0x01020304;
+  chip_.l3.map = {0xFF, 0, 0, 0, 0, 0, 0, 0x81};
+  chip_.l3.Change(5).ip = 0x01020304;
   Store8(0x60E, 0x05);
   for (unsigned i = 0; i < 8; ++i) Store8(0x614 + i, i == 0 ? 0x80 : i == 7 ? 0x01 : 0x00);
   Run(0x0D);
-  EXPECT_EQ(chip_.l3.overflow, (monitor::EntryMap{0x7F, 0, 0, 0, 0, 0, 0, 0x80}));
-  EXPECT_EQ(chip_.l3.entries[5].ip, 0x01020304U);
+  EXPECT_EQ(chip_.l3.map, (monitor::EntryMap{0x7F, 0, 0, 0, 0, 0, 0, 0x80}));
+  EXPECT_EQ(chip_.l3.Entries()[5].ip, 0x01020304U);
 
   Run(0x06);
   EXPECT_EQ(Load8(0x614), 0x7F);
@@ -98,7 +107,7 @@ TEST_F(L3Engine, AFailedStepForgetsWhatWasStored) {
   Run(0x0D);
   chip_.l3.engine.SetFault({});
   Run(0x0D);
-  EXPECT_EQ(chip_.l3.entries[0], L3RouteTable::Entry{});
+  EXPECT_EQ(chip_.l3.Entries()[0], L3RouteTable::Entry{});
 }
 
 TEST_F(L3Engine, AStartWhileBusyIsComplainedAbout) {
@@ -123,11 +132,11 @@ TEST_F(L3Engine, FaultsHangItMakeItBusyOrSlow) {
 }
 
 TEST_F(L3Engine, ResetEmptiesTheTable) {
-  chip_.l3.entries[5].ip = 0x01020304;
-  chip_.l3.overflow[0] = 0xFF;
+  chip_.l3.Change(5).ip = 0x01020304;
+  chip_.l3.map[0] = 0xFF;
   chip_.Reset();
-  EXPECT_EQ(chip_.l3.entries[5].ip, 0U);
-  EXPECT_EQ(chip_.l3.overflow[0], 0);
+  EXPECT_EQ(chip_.l3.Entries()[5].ip, 0U);
+  EXPECT_EQ(chip_.l3.map[0], 0);
   EXPECT_EQ(Load8(0x60D), 0x03);
 }
 

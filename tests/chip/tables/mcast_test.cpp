@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "chip/router_chip.h"
+#include "core/entry_map.h"
 
 namespace chip {
 namespace {
@@ -43,39 +44,39 @@ TEST_F(McastEngine, AWrittenGroupReadsBackAfterTheWindowHeldAnother) {
   Run(0x06);
   EXPECT_EQ(chip_.registers.Load(0x61C, 4), 0xE0010203U);
   EXPECT_EQ(Load8(0x620), 0x1A);  // nothing above the valid bit exists
-  EXPECT_TRUE(chip_.mcast.entries[0x3F].valid);
-  EXPECT_EQ(chip_.mcast.entries[0x3F].ports, 0x0A);
+  EXPECT_TRUE(chip_.mcast.Entries()[0x3F].valid);
+  EXPECT_EQ(chip_.mcast.Entries()[0x3F].ports, 0x0A);
 }
 
 TEST_F(McastEngine, AReadLoadsTheCounterWhateverTheCounterSelectSays) {
-  chip_.mcast.entries[5].counter = 0x12345678;
+  chip_.mcast.Change(5).counter = 0x12345678;
   Store8(0x622, 0x05);
   Run(0x06);
   EXPECT_EQ(chip_.registers.Load(0x62C, 4), 0x12345678U);
-  chip_.mcast.entries[5].counter = 9;
+  chip_.mcast.Change(5).counter = 9;
   Run(0x16);
   EXPECT_EQ(chip_.registers.Load(0x62C, 4), 9U);
 }
 
 TEST_F(McastEngine, ACounterWriteLeavesTheGroupAlone) {
-  chip_.mcast.entries[5] = {.ip = 0xE0000001, .ports = 1, .valid = true, .counter = 7};
+  chip_.mcast.Change(5) = {.ip = 0xE0000001, .ports = 1, .valid = true, .counter = 7};
   chip_.registers.Store(0x61C, 4, 0xDEADBEEF);
   Run(0x06);  // a read forgets what was stored before it
   Store8(0x622, 0x05);
   chip_.registers.Store(0x62C, 4, 0x12345678);
   Run(0x1D);
-  EXPECT_EQ(chip_.mcast.entries[5].counter, 0x12345678U);
-  EXPECT_EQ(chip_.mcast.entries[5].ip, 0xE0000001U);
+  EXPECT_EQ(chip_.mcast.Entries()[5].counter, 0x12345678U);
+  EXPECT_EQ(chip_.mcast.Entries()[5].ip, 0xE0000001U);
 }
 
 TEST_F(McastEngine, AnOverflowClearTakesAwayTheOnesAndRewritesNoGroup) {
-  chip_.mcast.overflow = {0xFF, 0, 0, 0, 0, 0, 0, 0x81};
-  chip_.mcast.entries[5].ip = 0xE0000001;
+  chip_.mcast.map = {0xFF, 0, 0, 0, 0, 0, 0, 0x81};
+  chip_.mcast.Change(5).ip = 0xE0000001;
   Store8(0x622, 0x05);
   for (unsigned i = 0; i < 8; ++i) Store8(0x624 + i, i == 0 ? 0x80 : i == 7 ? 0x01 : 0x00);
   Run(0x0D);
-  EXPECT_EQ(chip_.mcast.overflow, (monitor::EntryMap{0x7F, 0, 0, 0, 0, 0, 0, 0x80}));
-  EXPECT_EQ(chip_.mcast.entries[5].ip, 0xE0000001U);
+  EXPECT_EQ(chip_.mcast.map, (monitor::EntryMap{0x7F, 0, 0, 0, 0, 0, 0, 0x80}));
+  EXPECT_EQ(chip_.mcast.Entries()[5].ip, 0xE0000001U);
 
   Run(0x06);
   EXPECT_EQ(Load8(0x624), 0x7F);
@@ -89,16 +90,16 @@ TEST_F(McastEngine, AFailedStepForgetsWhatWasStored) {
   Run(0x0D);
   chip_.mcast.engine.SetFault({});
   Run(0x0D);
-  EXPECT_EQ(chip_.mcast.entries[0], McastTable::Entry{});
+  EXPECT_EQ(chip_.mcast.Entries()[0], McastTable::Entry{});
 }
 
 TEST_F(McastEngine, ResetEmptiesTheTable) {
-  chip_.mcast.entries[5].ip = 0xE0000001;
-  chip_.mcast.overflow[0] = 0xFF;
+  chip_.mcast.Change(5).ip = 0xE0000001;
+  chip_.mcast.map[0] = 0xFF;
   Store8(0x621, 0x06);
   chip_.Reset();
-  EXPECT_EQ(chip_.mcast.entries[5].ip, 0U);
-  EXPECT_EQ(chip_.mcast.overflow[0], 0);
+  EXPECT_EQ(chip_.mcast.Entries()[5].ip, 0U);
+  EXPECT_EQ(chip_.mcast.map[0], 0);
   EXPECT_EQ(Load8(0x621), 0x03);
 }
 

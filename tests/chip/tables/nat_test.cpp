@@ -94,9 +94,9 @@ TEST_F(NatEngine, TheServerTableIsAnotherTable) {
   Store8(0x51A, 0x0F);
   StoreEntry(0x0A000041, 0x0050, 0x03);
   EXPECT_TRUE(RunWrite());
-  EXPECT_TRUE(chip_.nat.server[0x0F].valid);
-  EXPECT_TRUE(chip_.nat.server[0x0F].server);
-  EXPECT_FALSE(chip_.nat.main[0x0F].valid);
+  EXPECT_TRUE(chip_.nat.server.Entries()[0x0F].valid);
+  EXPECT_TRUE(chip_.nat.server.Entries()[0x0F].server);
+  EXPECT_FALSE(chip_.nat.main.Entries()[0x0F].valid);
 
   Store8(0x51B, 0x01);
   EXPECT_TRUE(RunRead());
@@ -120,12 +120,12 @@ TEST_F(NatEngine, AWriteIsRefusedWhereAnotherDestinationStands) {
     StoreEntry(dip, dport, 0x00);
     EXPECT_FALSE(RunWrite());
   }
-  EXPECT_EQ(chip_.nat.main[0x10].dip, 0x0A000041U);
-  EXPECT_EQ(chip_.nat.main[0x10].dport, 0x0050);
+  EXPECT_EQ(chip_.nat.main.Entries()[0x10].dip, 0x0A000041U);
+  EXPECT_EQ(chip_.nat.main.Entries()[0x10].dport, 0x0050);
 
   StoreEntry(0x0A000041, 0x0050, 0x00);  // the same destination, now UDP
   EXPECT_TRUE(RunWrite());
-  EXPECT_FALSE(chip_.nat.main[0x10].tcp);
+  EXPECT_FALSE(chip_.nat.main.Entries()[0x10].tcp);
 }
 
 TEST_F(NatEngine, ARefusedWriteLeavesTheWindowForTheNextSlot) {
@@ -136,7 +136,7 @@ TEST_F(NatEngine, ARefusedWriteLeavesTheWindowForTheNextSlot) {
   EXPECT_FALSE(RunWrite());
   Store8(0x51A, 0x80);
   EXPECT_TRUE(RunWrite());
-  EXPECT_EQ(chip_.nat.main[0x80].dip, 0x0A000099U);
+  EXPECT_EQ(chip_.nat.main.Entries()[0x80].dip, 0x0A000099U);
 }
 
 TEST_F(NatEngine, ADeleteClearsTheValidBitAndKeepsTheRest) {
@@ -144,8 +144,8 @@ TEST_F(NatEngine, ADeleteClearsTheValidBitAndKeepsTheRest) {
   StoreEntry(0x0A000041, 0x0050, 0x04);
   EXPECT_TRUE(RunWrite());
   EXPECT_TRUE(RunDelete());
-  EXPECT_FALSE(chip_.nat.main[0x10].valid);
-  EXPECT_EQ(chip_.nat.main[0x10].dip, 0x0A000041U);
+  EXPECT_FALSE(chip_.nat.main.Entries()[0x10].valid);
+  EXPECT_EQ(chip_.nat.main.Entries()[0x10].dip, 0x0A000041U);
   EXPECT_TRUE(RunDelete());
 
   StoreEntry(0x0A000099, 0x0050, 0x04);  // the slot is free again
@@ -155,16 +155,16 @@ TEST_F(NatEngine, ADeleteClearsTheValidBitAndKeepsTheRest) {
 TEST_F(NatEngine, TheValidBitsFollowTheTables) {
   for (unsigned i = 0; i < 34; ++i) EXPECT_EQ(Load8(0x523 + i), 0);
   for (const unsigned slot : {0x00U, 0x07U, 0x08U, 0x4BU, 0xFFU}) {
-    chip_.nat.main[slot].valid = true;
+    chip_.nat.main.Change(slot).valid = true;
   }
-  chip_.nat.server[0].valid = chip_.nat.server[15].valid = true;
+  chip_.nat.server.Change(0).valid = chip_.nat.server.Change(15).valid = true;
   EXPECT_EQ(Load8(0x523), 0x81);
   EXPECT_EQ(Load8(0x524), 0x01);
   EXPECT_EQ(Load8(0x52C), 0x08);
   EXPECT_EQ(Load8(0x542), 0x80);
   EXPECT_EQ(Load8(0x543), 0x01);
   EXPECT_EQ(Load8(0x544), 0x80);
-  chip_.nat.main[0x4B].valid = false;
+  chip_.nat.main.Change(0x4B).valid = false;
   EXPECT_EQ(Load8(0x52C), 0x00);
 }
 
@@ -176,7 +176,7 @@ TEST_F(NatEngine, AStoreToAValidBitIsComplainedAbout) {
 }
 
 TEST_F(NatEngine, AFailingEngineClearsTheResultAndTouchesNothing) {
-  chip_.nat.main[0x10] = {.dip = 0x0A000041, .valid = true};
+  chip_.nat.main.Change(0x10) = {.dip = 0x0A000041, .valid = true};
   EXPECT_TRUE(RunRead());
   chip_.nat.engine.SetFault({.kind = Fault::Kind::kFail});
   Store8(0x51A, 0x10);
@@ -184,7 +184,7 @@ TEST_F(NatEngine, AFailingEngineClearsTheResultAndTouchesNothing) {
   EXPECT_FALSE(RunRead());
   EXPECT_EQ(chip_.registers.Load(0x508, 4), 0x0A000099U);
   EXPECT_FALSE(RunDelete());
-  EXPECT_TRUE(chip_.nat.main[0x10].valid);
+  EXPECT_TRUE(chip_.nat.main.Entries()[0x10].valid);
 }
 
 TEST_F(NatEngine, SettingsAreStoredAndForgottenAtReset) {
@@ -193,7 +193,7 @@ TEST_F(NatEngine, SettingsAreStoredAndForgottenAtReset) {
   Store8(0x51D, 0xA5);
   chip_.registers.Store(0x51E, 2, 0x0258);
   chip_.registers.Store(0x520, 2, 0x1234);
-  chip_.nat.main[0xFF].valid = chip_.nat.server[3].valid = true;
+  chip_.nat.main.Change(0xFF).valid = chip_.nat.server.Change(3).valid = true;
   EXPECT_EQ(chip_.registers.Load(0x510, 4), 0xC0A80101U);
   EXPECT_EQ(Load8(0x515), 0x80);
   EXPECT_EQ(Load8(0x51D), 0xA5);

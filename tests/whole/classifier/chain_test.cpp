@@ -33,8 +33,12 @@ class ClassifierChain : public testing::Test {
 
   /// Puts a rule into the table: valid, ingress, positive.
   static void Link(unsigned index, unsigned next) {
-    chip_.classifier.entries[index].control = next << 24 | (next == 255 ? 0x201 : 0x001);
-    chip_.classifier.entries[index].flags2 = 0x30;
+    chip::Rule& rule = chip_.classifier.Change(index);
+    rule.next = static_cast<std::uint8_t>(next);
+    rule.end = next == 255;
+    rule.valid = true;
+    rule.ingress = true;
+    rule.positive = true;
   }
 
   static void SetHead(std::uint8_t index) { chip_.registers.Store(0x722, 1, index); }
