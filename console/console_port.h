@@ -6,8 +6,8 @@
 
 namespace monitor {
 
-/// The next input character (0 to 255), or -1 when none is waiting. Does not wait for one, but for
-/// half a second behind a Ctrl-C that ConsoleInterrupted has found.
+/// The next input character (0 to 255), or -1 when none is waiting. Does not wait for one, except
+/// for half a second after ConsoleInterrupted has found a Ctrl-C.
 [[nodiscard]] int ConsoleReadChar();
 
 /// Queues `count` characters for output. Nothing is lost: a full queue is flushed first.
@@ -20,12 +20,12 @@ void ConsoleFlush();
 /// has no deadline. May return early.
 void ConsoleWait(long microseconds);
 
-/// As ConsoleWait, when nothing is left to do: where the program hears of all that can happen, the
-/// sleep lasts until something does.
+/// As ConsoleWait, when there is nothing left to do: a program that is woken by every event sleeps
+/// until one occurs.
 void ConsoleIdle(long microseconds);
 
 /// For waits that may not end: flushes, and when the console is a terminal on which Ctrl-C has
-/// been typed, discards the input up to and including it and answers true. Input without a
+/// been typed, discards the input up to and including it and returns true. Input without a
 /// Ctrl-C is kept. Never true when input comes from a pipe or a file.
 [[nodiscard]] bool ConsoleInterrupted();
 

@@ -6,7 +6,7 @@
 
 namespace monitor {
 
-// The bits of a command byte that the handshake itself knows; every engine has these two.
+// The bits of a command byte that the handshake itself uses; every engine has these two.
 inline constexpr Field kEngineReadReady{0, 0, "read_ready", "idle, and the last read is done"};
 inline constexpr Field kEngineWriteReady{1, 1, "write_ready", "idle, and the last write is done"};
 
@@ -34,8 +34,8 @@ struct EngineStep {
 /// True when both ready bits are set: one load.
 [[nodiscard]] bool EngineReady(Reg8 command);
 
-/// The start pulse: the command byte becomes (old OR set) AND keep, a short delay, the pulse's
-/// end. No check, no wait.
+/// The start pulse: the command byte becomes (old OR set) AND keep; after a short delay the pulse
+/// ends. No check, no wait.
 void PulseEngine(const EngineStep& step);
 
 /// Waits for the step's done bit, without a time limit. kNotReady when the operator gave up.

@@ -26,7 +26,7 @@ DriverStatus ReadForwardControl(ForwardControl& control) {
 DriverStatus WriteForwardControl(const ForwardControl& control) {
   IrqState saved;
   IrqLock(&saved);
-  // One load and one store for each switch, also where several share a register.
+  // One load and one store for each switch, even where several share a register.
   AssignBits(kFilterControl, kFilterWanToWan, control.filterWanToWan != 0);
   AssignBits(kForwardFilter, kDropChecksumErrors, control.dropChecksumErrors != 0);
   AssignBits(kForwardFilter, kFilterFragmentsNoNat, control.frgnn != 0);

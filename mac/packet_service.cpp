@@ -15,7 +15,7 @@ std::uint16_t ArpAutoReply = 0;
 namespace {
 
 // An Ethernet frame with an ARP body, by byte from its start. The target address lies two bytes
-// past a four-byte boundary, so fields are reached byte by byte.
+// past a four-byte boundary, so fields are accessed byte by byte.
 constexpr std::uint32_t kDestinationMac = 0;
 constexpr std::uint32_t kSourceMac = 6;
 constexpr std::uint32_t kEtherType = 12;
@@ -51,7 +51,7 @@ constexpr Bytes<4> NetworkOrder(std::uint32_t address) {
           static_cast<std::uint8_t>(address >> 8), static_cast<std::uint8_t>(address)};
 }
 
-/// The frame goes back from its receive buffer; whether it could be sent makes no difference.
+/// The reply is sent from the receive buffer; whether that succeeds makes no difference.
 void AnswerArp(const ReceivedFrame& frame) {
   if (Failed(BuildArpReply(frame.port, frame.data))) return;
   Print("\n\reply ARP packet\n\r");

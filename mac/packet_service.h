@@ -1,4 +1,4 @@
-// Serves frames that the chip hands to the CPU, one a pass of the shell loop: answers ARP
+// Serves frames that the chip hands to the CPU, one per pass of the shell loop: answers ARP
 // requests, and prints the frames or forwards them out of WAN.
 #pragma once
 
@@ -22,14 +22,14 @@ extern std::uint16_t ArpAutoReply;
 /// True when either setting asks for the service.
 [[nodiscard]] bool PacketServiceOn();
 
-/// Serves at most one received frame; false when none was waiting. Does nothing, without a bus
+/// Serves at most one received frame; false when none was waiting. Does nothing, and makes no bus
 /// access, while neither setting asks for it.
 bool PacketService();
 
 /// Turns the ARP request at data address `frame`, received on `port` (a PortId), into the reply
-/// of the CPU's MAC address, in place. A request for another address than the port's is answered
-/// too, with its IP addresses where they were. kRefused, with the frame untouched, when it is no
-/// ARP request or the port has no IP address.
+/// of the CPU's MAC address, in place. A request for an address other than the port's is answered
+/// too, with its IP addresses where they were. kRefused, with the frame untouched, when it is not
+/// an ARP request or the port has no IP address.
 [[nodiscard]] DriverStatus BuildArpReply(std::uint8_t port, std::uint32_t frame);
 
 }  // namespace monitor

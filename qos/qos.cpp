@@ -10,7 +10,7 @@ namespace {
 constexpr std::uint8_t kHighestMode = 1;
 constexpr std::uint8_t kHighestDrop = 15;
 
-/// Place of the port in runs of registers. `port` is the code of one port.
+/// Index of the port in runs of registers. `port` is the code of one port.
 unsigned PortPlace(std::uint8_t port) { return static_cast<unsigned>(std::countr_zero(port)); }
 
 /// The four registers of a queue.

@@ -4,7 +4,7 @@
 
 namespace monitor {
 
-// One bit a pin in each.
+// One bit per pin in each.
 inline constexpr Reg8 kGpioDirection{0x220, "GPIO_DIRECTION", "direction of the pins"};
 inline constexpr Reg8 kGpioData{0x221, "GPIO_DATA", "levels of the pins"};
 inline constexpr Reg8 kGpioStatus{0x222, "GPIO_STATUS", "interrupt status"};

@@ -7,7 +7,7 @@ namespace monitor {
 namespace {
 
 // Only the write of an entry clears the counter select and only the write of a counter sets it;
-// every other step, a counter read too, leaves it as it is.
+// every other step, including a counter read, leaves it unchanged.
 // clang-format off
 constexpr EngineStep kReadEntry    {kMcastCommand, 0x04, 0xF6, kEngineReadReady};
 constexpr EngineStep kWriteEntry   {kMcastCommand, 0x0C, 0xED, kEngineWriteReady};
