@@ -4,7 +4,7 @@ namespace board {
 
 /// Turns the first SIGHUP, SIGINT or SIGTERM into something to look at, so that the board can end
 /// in order between two steps of the monitor. A second one ends the program as it always does.
-/// Signals that were ignored stay ignored. There is at most one object, made behind all
+/// Signals that were ignored stay ignored. There is at most one object, made after all
 /// SignalGuards.
 class EndSignals {
  public:

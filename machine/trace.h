@@ -10,8 +10,8 @@
 namespace board {
 
 /// A file with a line for each event on the bus, "w8 060e 05  L3_INDEX", and comment lines that
-/// say where they come from, "# l3 5". When the file cannot be
-/// written any more, that is reported once and the trace ends; the board goes on.
+/// say where they come from, "# l3 5". When the file can no longer be written, that is reported
+/// once and the trace ends; the board continues.
 class Trace {
  public:
   /// Throws std::system_error, naming the file, when it cannot be opened.

@@ -25,7 +25,7 @@ namespace {
 
 Board* g_board = nullptr;
 
-/// The end of a script, once the packet service has worked off the captures. The monitor has no
+/// The end of a script, once the packet service has handled all captured frames. The monitor has no
 /// way to return in the middle of a line. A script that cannot be read to its end has failed.
 void EndOfInput(int error, bool in_line) {
   if (monitor::PacketServiceOn() && g_board->FramesPending()) return;
@@ -91,7 +91,7 @@ void Board::OpenUart(const std::string& path) {
     const BrokenPipeIsError guard;
     if (!uart_ || uart_.put(static_cast<char>(byte)).flush()) return;
     Report("cannot write the file '" + path + "': " + std::strerror(errno) + "; it ends here");
-    // Else its end would try once more.
+    // Otherwise its destructor would try once more.
     uart_.close();
   };
 }
@@ -141,7 +141,7 @@ int Board::StatusOfLines() const {
   if (options_.commands.empty()) return options_.plain ? progress_.Status() : EXIT_SUCCESS;
   const std::size_t done = progress_.LinesDone() + (progress_.Exited() ? 1 : 0);
   if (done == options_.commands.size()) return progress_.Status();
-  Report("'" + options_.commands[done] + "' is behind an 'exit' and was not run");
+  Report("'" + options_.commands[done] + "' comes after an 'exit' and was not run");
   return std::max(progress_.Status(), kExitRefused);
 }
 

@@ -16,25 +16,25 @@
 
 namespace board {
 
-/// The chip, its console and whoever watches it, as the options want them. There is one, it lives
-/// until the program exits, and it puts back what it has changed on the outside.
+/// The chip, its console and its observers, as the options ask. There is one; it lives until the
+/// program exits, and it restores what it has changed outside.
 class Board {
  public:
   /// Throws UsageError or, when something cannot be opened, another std::runtime_error; the console
-  /// is not touched then. The options must outlive the board.
+  /// is then not touched. The options must outlive the board.
   explicit Board(const Options& options);
   Board(const Board&) = delete;
   Board& operator=(const Board&) = delete;
 
   /// Saves what was asked for. The program's exit status: 1 when something that was asked for could
-  /// not be read or written, else that of the lines where the options want it.
+  /// not be read or written, otherwise that of the lines where the options ask for it.
   [[nodiscard]] int Finish();
 
   /// Follows what the monitor's shell does.
   void Note(monitor::ShellEvent event);
 
-  /// To be called when a script ends in the middle of a line. Where nothing is echoed nobody would
-  /// see that it is not run.
+  /// To be called when a script ends in the middle of a line. Without an echo it would go
+  /// unnoticed that the line is not run.
   void NoteLostLine();
 
   /// Tells the operator, once in each wait, what the monitor waits for.
@@ -43,7 +43,7 @@ class Board {
   /// True while captures still have frames that the packet service would take.
   [[nodiscard]] bool FramesPending() const;
 
-  /// Lets frames in that have come from outside.
+  /// Takes in frames that have come from outside.
   void PollNetwork();
 
   /// Ends the program when a signal asks for that and the state has to be saved first.
@@ -56,7 +56,7 @@ class Board {
   void OpenTrace(const std::string& path);
   void OpenUart(const std::string& path);
   void OpenConsole(bool keep_delete);
-  /// True for output that is no answer, and for what a plain line end has not.
+  /// True for output that is not an answer, and for characters that a plain line end lacks.
   [[nodiscard]] bool FilterOutput(char c);
   /// Ends a plain answer's last line where the command leaves that to the prompt.
   void EndAnswer();
@@ -67,7 +67,7 @@ class Board {
 
   const Options& options_;
   Progress progress_;
-  bool in_answer_line_ = false;  ///< Of a plain answer, a line has begun and not ended.
+  bool in_answer_line_ = false;  ///< A line of a plain answer has begun and not ended.
   Descriptor script_;
   chip::RouterChip chip_;
   std::optional<PseudoTerminal> pseudo_terminal_;

@@ -31,7 +31,7 @@ constexpr char kFooter[] =
     "1 when something could not be opened, read or written; 2 for a bad command line; with -c or\n"
     "--plain also 3 when a line was refused and 4 when a driver failed (4 when both happened).\n";
 
-/// Characters of a line that the monitor looks at; it cuts the others off.
+/// Characters of a line that the monitor reads; it cuts off the rest.
 constexpr std::size_t kLongestCommand = monitor::kLineBufferSize - 2;
 
 /// An option's argument is not the next option.
@@ -130,8 +130,8 @@ std::vector<std::string> OptionNames(const CLI::App& app) {
   return names;
 }
 
-/// Complains about words that are no options. Those that look like one are named first, as the
-/// others may have been meant for them.
+/// Complains about words that are not options. Those that look like one are named first, as the
+/// rest may have been meant for them.
 void RefuseUnknownArguments(const std::vector<std::string>& words, const CLI::App& app) {
   std::string unknown;
   for (const std::string& word : words) {

@@ -1,5 +1,5 @@
-// The packet classifier of the model: 128 rules with counters and overflow bits behind its
-// engine, and the chain head.
+// The packet classifier of the model: its engine, 128 rules with counters and overflow bits, and
+// the chain head.
 #pragma once
 
 #include <array>
@@ -58,7 +58,7 @@ class Classifier {
   Engine engine;
 
  private:
-  /// What has been stored since the last start: only that does the next write apply.
+  /// What has been stored since the last start: the next write applies only that.
   struct Stored {
     bool rule = false;
     bool counter = false;

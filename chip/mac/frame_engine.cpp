@@ -209,7 +209,7 @@ void FrameEngine::Send(unsigned port, Transmission transmission) {
 void FrameEngine::CountUses() {
   const std::uint8_t handle = registers_.Get(kStatusHandle);
   const Buffer& buffer = buffers_[handle];
-  // Software never gives a transmit buffer back, so its hold always counts.
+  // Software never releases a transmit buffer, so its hold always counts.
   const bool own = handle != 0 && handle < kFirstReceiveHandle;
   const unsigned uses = buffer.queued + (own || buffer.held ? 1 : 0);
   const unsigned other = registers_.Get(kBufferStatus) & ~unsigned{kBufferUses.Mask()};

@@ -17,9 +17,9 @@ namespace chip {
 /// Why the CPU gets a frame.
 enum class ReceiveReason : std::uint8_t {
   kStation = 1,    ///< Sent to one of the chip's own MAC addresses.
-  kBroadcast = 2,  ///< Sent to everybody.
-  kMulticast = 3,  ///< Sent to a group.
-  kOther = 4,      ///< Sent to somebody else.
+  kBroadcast = 2,  ///< Sent to the broadcast address.
+  kMulticast = 3,  ///< Sent to a multicast group.
+  kOther = 4,      ///< Sent to another station.
 };
 
 class FrameEngine {
@@ -34,7 +34,7 @@ class FrameEngine {
   void Reset();
   void State(StateArchive& archive);
 
-  /// A frame, without its check sequence, arrives at a port from outside (from the CPU itself on
+  /// A frame, without its FCS, arrives at a port from outside (from the CPU itself on
   /// kCpuPort). False when it is lost: the port is down or looped back, the frame too long, no
   /// buffer free.
   bool Receive(unsigned port, std::span<const std::uint8_t> frame);
@@ -61,7 +61,7 @@ class FrameEngine {
  private:
   struct Buffer {
     bool pooled = false;   ///< Waits in the pool for a received frame.
-    bool held = false;     ///< Handed to the CPU and not given back.
+    bool held = false;     ///< Handed to the CPU and not released.
     bool offered = false;  ///< Holds a received frame that is not acknowledged yet.
     unsigned queued = 0;   ///< Transmissions that still need it.
   };
@@ -86,7 +86,7 @@ class FrameEngine {
   void ReturnIfUnused(std::uint8_t handle);
 
   void QueueState(StateArchive& archive);
-  /// What the other members tell about each buffer.
+  /// What the other members say about each buffer.
   void RebuildBuffers(StateArchive& archive, const std::deque<std::uint8_t>& held);
 
   RegisterFile& registers_;

@@ -11,7 +11,7 @@ namespace chip {
 
 class FrameStatistics {
  public:
-  /// Frames longer than this, without their check sequence, are oversize.
+  /// Frames longer than this, without their FCS, are oversize.
   static constexpr std::size_t kLongestFrame = 1524;
 
   explicit FrameStatistics(StatCounters& counters) : counters_(counters) {}

@@ -1,4 +1,4 @@
-// The ARP table of the model: 64 bindings with reference bits behind the ARP engine.
+// The ARP table of the model and its engine: 64 bindings with reference bits.
 #pragma once
 
 #include <array>
@@ -32,7 +32,7 @@ class ArpTable {
   Engine engine;
 
  private:
-  /// What has been stored since the last start: only that does the next write apply.
+  /// What has been stored since the last start: the next write applies only that.
   struct Stored {
     bool entry = false;
     bool reference = false;

@@ -1,4 +1,4 @@
-// The route table of the model: 64 slots with counters and overflow bits behind the L3 engine.
+// The route table of the model and its engine: 64 slots with counters and overflow bits.
 #pragma once
 
 #include <array>
@@ -36,7 +36,7 @@ class L3RouteTable {
   Engine engine;
 
  private:
-  /// What has been stored since the last start: only that does the next write apply.
+  /// What has been stored since the last start: the next write applies only that.
   struct Stored {
     bool entry = false;
     bool counter = false;

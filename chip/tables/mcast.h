@@ -1,5 +1,4 @@
-// The multicast table of the model: 64 groups with counters and overflow bits behind the
-// multicast engine.
+// The multicast table of the model and its engine: 64 groups with counters and overflow bits.
 #pragma once
 
 #include <array>
@@ -34,7 +33,7 @@ class McastTable {
   Engine engine;
 
  private:
-  /// What has been stored since the last start: only that does the next write apply.
+  /// What has been stored since the last start: the next write applies only that.
   struct Stored {
     bool entry = false;
     bool counter = false;

@@ -18,7 +18,7 @@
 namespace board {
 namespace {
 
-/// What fits a frame buffer of the chip behind its header.
+/// What fits in a frame buffer of the chip after its header.
 constexpr unsigned kLongestFrame = 2016;
 
 constexpr long kNanosecondsPerSecond = 1'000'000'000;
@@ -33,7 +33,7 @@ using File = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 using Capture = std::unique_ptr<pcap_t, CloseCapture>;
 using Dumper = std::unique_ptr<pcap_dumper_t, CloseCapture>;
 
-/// Times that no clock shows, as a damaged capture may have, come out as the nearest that fits.
+/// Impossible times, as in a damaged capture, become the nearest that is representable.
 std::int64_t Nanoseconds(const timespec& time) {
   const std::int64_t seconds = std::clamp<std::int64_t>(time.tv_sec, 0, kMostSeconds);
   return seconds * kNanosecondsPerSecond + time.tv_nsec;
@@ -59,7 +59,7 @@ std::string About(const std::string& file, const std::string& reason) {
 /// System calls for captures are few with a buffer of this size; the usual one holds two frames.
 using FileBuffer = std::array<char, 65536>;
 
-/// The buffer has to stay until the file is closed. Throws PortError.
+/// The buffer must outlive the file. Throws PortError.
 File OpenFile(const std::string& name, const char* mode, FileBuffer& buffer) {
   File file(std::fopen(name.c_str(), mode), std::fclose);
   if (!file) throw PortError(About(name, std::strerror(errno)));
@@ -132,7 +132,7 @@ class CapturePort : public Port {
     if (pcap_dump_flush(dumper_.get()) != 0) throw PortError(CannotWrite());
   }
 
-  /// Reads the frame that Receive answers next, and sets the timer to its time. What it answered
+  /// Reads the frame that Receive returns next, and sets the timer to its time. What it returned
   /// before is lost, as libpcap reuses the memory.
   void Advance() {
     pending_ = answered_ = false;
@@ -190,9 +190,9 @@ class CapturePort : public Port {
   Capture output_;
   Dumper dumper_;
   Descriptor timer_;
-  Frame next_;             ///< What Receive answers next, or has answered last.
+  Frame next_;             ///< What Receive returns next, or returned last.
   bool pending_ = false;   ///< There is such a frame, or it is not known whether one follows.
-  bool answered_ = false;  ///< Receive has answered it.
+  bool answered_ = false;  ///< Receive has returned it.
   unsigned number_ = 0;
   std::int64_t shift_ = 0;  ///< Monotonic time minus capture time.
   std::int64_t due_ = 0;    ///< When the next frame arrives, monotonic.

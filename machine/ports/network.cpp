@@ -9,8 +9,8 @@
 namespace board {
 namespace {
 
-/// What a boot loader would have made of a port with something connected: up, 100 Mbit/s, full
-/// duplex. The chip itself starts with its ports down.
+/// How a boot loader would have configured a connected port: up, 100 Mbit/s, full duplex. The chip
+/// itself starts with its ports down.
 constexpr std::uint8_t kPortUp =
     monitor::kMacLinkUp.Mask() | monitor::kMacSpeed100.Mask() | monitor::kMacFullDuplex.Mask();
 
@@ -21,8 +21,8 @@ const std::vector<std::string> kInterfaceNames{chip::kMacPortNames.begin(),
 constexpr unsigned kFramesPerPoll = 64;
 
 /// Looks at the interrupt status between polls while received frames wait for the CPU. The packet
-/// service looks twice for each frame, so a port brings no more frames than were worked off, and
-/// none has to be dropped only because it was fetched early.
+/// service looks twice for each frame, so a port brings no more frames than were handled, and none
+/// has to be dropped only because it was fetched early.
 constexpr unsigned kLooksBetweenPolls = 2 * kFramesPerPoll;
 
 /// Buffers that captures leave free for ports that cannot wait.
@@ -46,7 +46,7 @@ Network::Network(chip::RouterChip& chip, const NetworkSetup& setup)
 }
 
 void Network::PollWhenDue() {
-  // While the monitor works off what has come, looking for more can wait a little.
+  // While the monitor handles what has come, looking for more can wait a little.
   if (chip_.frames.Waiting() && ++looks_ < kLooksBetweenPolls) return;
   looks_ = 0;
   // Captures without timing have no descriptor that would have ended the wait.

@@ -1,4 +1,4 @@
-// What lies around the chip: the far ends of its three ports, joined to the frame engine.
+// What surrounds the chip: the far ends of its three ports, connected to the frame engine.
 #pragma once
 
 #include <array>
@@ -30,8 +30,8 @@ class Network {
   /// more than the chip has buffers for.
   void Poll();
 
-  /// The monitor is about to wait, for input or WatchedFd. Behind the wait there is nothing new to
-  /// be found, so the next look at the interrupt status costs nothing.
+  /// The monitor is about to wait, for input or WatchedFd. After the wait there is nothing new to
+  /// find, so the next look at the interrupt status costs nothing.
   void NoteWait() {
     waited_ = true;
     Flush();
@@ -49,14 +49,14 @@ class Network {
   /// True while captures still have frames for a port that is up, or frames wait for the CPU.
   [[nodiscard]] bool Pending() const;
 
-  /// True when something went wrong that the exit status has to tell.
+  /// True when something went wrong that the exit status has to report.
   [[nodiscard]] bool Failed() const;
 
  private:
   void PollWhenDue();
   void Take(unsigned port);
   void Send(unsigned port, std::span<const std::uint8_t> frame);
-  /// Tells the chip and the watch set what has become of the port.
+  /// Passes the state of the port on to the chip and the watch set.
   void UpdateLink(unsigned port);
 
   chip::RouterChip& chip_;

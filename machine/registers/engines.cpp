@@ -23,7 +23,7 @@ using namespace monitor;  // NOLINT: the register names
 
 constexpr Field kNone{};
 
-/// Names of a block's registers but for those at the offsets.
+/// Names of a block's registers except those at the offsets.
 std::vector<std::string> AllBut(std::initializer_list<std::uint16_t> offsets,
                                 std::span<const RegisterRow> rows) {
   std::vector<std::string> names;
@@ -44,7 +44,7 @@ EngineRow Usual(const char* name, Reg8 command, Reg8 index, std::vector<Field> i
           kEngineWrite, kNone,          index.offset, std::move(index_fields), std::move(data)};
 }
 
-/// One of the handshakes of the frame buffers, which know no direction.
+/// One of the handshakes of the frame buffers, which have no direction.
 EngineRow OfFrames(const char* name, Reg8 command, Field start, Field done, Reg8 handle,
                    std::vector<std::string> data) {
   return {name,  command.offset, start,         done, done,

@@ -11,7 +11,7 @@ namespace board {
 /// An engine that works on what is not in the register window: software names an entry in the
 /// index, starts a step through the command register, and reaches the entry in the data registers.
 struct EngineRow {
-  const char* name;       ///< As faults know it.
+  const char* name;       ///< Its name in faults.
   std::uint16_t command;  ///< Offset of the register of the fields from `start` to `result`.
   monitor::Field start;
   monitor::Field read_done;   ///< Set when a read step is over,

@@ -9,7 +9,7 @@ namespace {
 
 using nlohmann::json;
 
-/// Finds members that come twice, of which a JSON parser keeps one.
+/// Finds duplicate members, of which a JSON parser keeps one.
 class RepetitionCheck {
  public:
   bool operator()(int /*depth*/, json::parse_event_t event, const json& parsed) {
@@ -51,7 +51,7 @@ json Parse(const std::string& text) {
   }
 }
 
-/// The number that all of the text stands for in hexadecimal.
+/// The number that the whole text is in hexadecimal.
 bool ParseHex(std::string_view text, std::uint64_t& value) {
   const auto result = std::from_chars(text.data(), text.data() + text.size(), value, 16);
   return result.ec == std::errc() && result.ptr == text.data() + text.size();

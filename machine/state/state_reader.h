@@ -10,11 +10,11 @@
 
 namespace board {
 
-/// Replaces a state by what is noted in JSON. Everything throws StateError, with the JSON pointer
-/// of the place, when there is not exactly what is asked for.
+/// Replaces a state with what is noted in JSON. Everything throws StateError, with the JSON pointer
+/// of the place, unless it finds exactly what is asked for.
 class StateReader : public chip::StateArchive {
  public:
-  /// Throws StateError for a text that is no JSON or has a member twice.
+  /// Throws StateError for a text that is not JSON or has a duplicate member.
   explicit StateReader(const std::string& text);
 
   /// The text must be that member's.

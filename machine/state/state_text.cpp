@@ -72,7 +72,7 @@ std::string StateText(chip::RouterChip& chip) {
 
 void ReplaceState(const std::string& text, chip::RouterChip& chip) {
   MonitorSettings settings;
-  // What a chip of no account takes, the real one takes too.
+  // What a scratch chip accepts, the real one accepts too.
   Read(text, *std::make_unique<chip::RouterChip>(), settings);
   Read(text, chip, settings);
   settings.Apply();

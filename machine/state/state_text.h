@@ -9,10 +9,10 @@
 
 namespace board {
 
-/// The state in JSON. Timers stand where they are now.
+/// The state in JSON, with timers at their present counts.
 [[nodiscard]] std::string StateText(chip::RouterChip& chip);
 
-/// Replaces the state by that of the text, whatever it was before. Throws StateError, and then
+/// Replaces the state with that of the text, whatever it was before. Throws StateError, and then
 /// nothing has changed.
 void ReplaceState(const std::string& text, chip::RouterChip& chip);
 

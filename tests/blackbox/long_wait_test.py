@@ -70,7 +70,7 @@ class Waits(board.BoardTest):
     def test_word_that_is_never_a_number(self):
         command = "qos = 1 2 3 4 5 6 zz"
         line = self.message(["-c", command])
-        wanted = f"virtual-board: '{command}' reads a word again and again that will never be a"
+        wanted = f"virtual-board: '{command}' keeps reading a word that will never be a"
         wanted += " number; no register is involved" + WITHOUT_TERMINAL + "\n"
         self.assertEqual(line, wanted)
 

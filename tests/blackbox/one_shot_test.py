@@ -92,7 +92,7 @@ class OneShot(unittest.TestCase):
     def test_exit(self):
         self.expect(commands("exit"), START + b"exit\r\n")
         self.expect(["--plain", *commands("exit")], b"")
-        message = b"virtual-board: 'l3 5' is behind an 'exit' and was not run\n"
+        message = b"virtual-board: 'l3 5' comes after an 'exit' and was not run\n"
         self.expect(["--plain", *commands("zz", "EXIT now", "l3 5", "zz")], plain(UNKNOWN), 3, message)
 
     def test_a_driver_that_fails_outweighs_a_refused_line(self):
