@@ -47,7 +47,7 @@ class OneShot(unittest.TestCase):
     def test_long_option_and_attached_argument(self):
         self.expect(["--command=zz", "-czz", "--plain"], plain(2 * UNKNOWN), status=3)
 
-    def test_brackets_are_no_list(self):
+    def test_brackets_are_not_a_list(self):
         self.expect(["--plain", *commands("[zz,zz]")], plain(UNKNOWN), status=3)
 
     def test_plain_answers(self):
@@ -70,7 +70,7 @@ class OneShot(unittest.TestCase):
         self.expect(["--plain"], plain(ROUTE), script=b"l3 6\x085\nexit\nzz\n")
         self.expect(["--plain"], b"", script=b"")
 
-    def test_frames_that_are_shown_are_no_echo(self):
+    def test_shown_frames_are_not_an_echo(self):
         octets = frames.frame(16, frames.BROADCAST)
         with tempfile.NamedTemporaryFile() as capture:
             frames.write_pcap(capture.name, [octets])
@@ -132,7 +132,7 @@ class OneShot(unittest.TestCase):
             self.assertIn(piece, done.stderr.decode())
         self.assertEqual(done.stderr.count(b"\n"), 1)
 
-    def test_keys_that_edit_are_no_command(self):
+    def test_editing_keys_are_not_a_command(self):
         for text in ("zz\nzz", "zz\n", "zz\r", "zz\t", "zz\x08", "\x1b[A", "zz\x03", "z\x7fz"):
             with self.subTest(text):
                 self.refused(commands(text), "--command", "control characters")

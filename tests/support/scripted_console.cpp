@@ -95,7 +95,7 @@ void ConsoleIdle(long microseconds) { ConsoleWait(microseconds); }
 bool ConsoleInterrupted() {
   ConsoleFlush();
   ++g_looks;
-  // A broken transcript answers junk for ever.
+  // A broken transcript answers junk forever.
   const ScriptedBus* const bus = ScriptedBus::Current();
   return g_ctrl_c || (bus != nullptr && bus->Broken());
 }

@@ -18,5 +18,5 @@ std::string TakeWord(Words& words);
 /// The next word as a port with a MAC: 0 WAN, 1 LAN, 2 DMZ.
 unsigned TakePort(Words& words);
 
-/// "@set BLOCK ...": changes a block's state beside the bus.
+/// "@set BLOCK ...": changes a block's state, bypassing the bus.
 void ApplySetting(SessionState& state, Words& words);

@@ -66,7 +66,7 @@ TEST_F(PstEngine, BitsWithoutAMeaningAreNotKeptInTheEntry) {
   EXPECT_EQ(chip_.pst.entries[3].flags, 0x0F);
 }
 
-TEST_F(PstEngine, AReadBringsAUsedBitSetBesideIt) {
+TEST_F(PstEngine, AReadShowsAUsedBitThatTheChipHasSet) {
   chip_.pst.entries[1].flags = 0x03;
   Store8(0xA0E, 0x10);
   Run(0x06, 0x02);
