@@ -1,4 +1,4 @@
-# The fuzz targets, each of one source, and what they link.
+# The fuzz targets, one source each, and what they link.
 set(fuzz_targets console frames)
 set(libraries_of_console monitor chip)
 set(libraries_of_frames monitor chip)
