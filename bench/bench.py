@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Measures the programs beside floors and other programs; one table, and the same as JSON.
+"""Compares the programs with floors and other programs; one table, and the same as JSON.
 
 usage: bench.py [--short] BUILD-FOLDER [PATTERN]
 
@@ -36,17 +36,17 @@ def figure(value):
 
 def cells(row):
     """A row of the table as texts."""
-    name, value = next(iter(row.beside.items()), ("", None))
-    beside = "" if value is None else f"{name} {figure(value)}"
+    name, value = next(iter(row.compared.items()), ("", None))
+    compared = "" if value is None else f"{name} {figure(value)}"
     ratio = "" if row.ratio is None else f"{row.ratio:.2f}"
     goal = f"at {'least' if row.least else 'most'} {figure(row.goal)}{' x' if row.of_ratio else ''}"
     ours = f"{figure(row.ours)} {row.unit}"
-    return row.what, ours, beside, ratio, goal, "met" if row.met else "NOT MET"
+    return row.what, ours, compared, ratio, goal, "met" if row.met else "NOT MET"
 
 
 def more(row):
     """What else is known: further peers, notes."""
-    others = {**dict(list(row.beside.items())[1:]), **row.notes}
+    others = {**dict(list(row.compared.items())[1:]), **row.notes}
     return ", ".join(f"{name} {figure(value)}" for name, value in others.items())
 
 
@@ -61,7 +61,7 @@ def table(rows):
 
 
 def as_json(rows):
-    return [{"what": row.what, "ours": row.ours, "unit": row.unit, "beside": row.beside,
+    return [{"what": row.what, "ours": row.ours, "unit": row.unit, "compared": row.compared,
              "ratio": row.ratio, "goal": row.goal, "goal_is": "least" if row.least else "most",
              "goal_of": "ratio" if row.of_ratio else "value", "met": row.met, "notes": row.notes}
             for row in rows]

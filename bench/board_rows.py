@@ -59,8 +59,8 @@ def forward_instructions(bench, short=False):
 
 def forward_captures(bench):
     """Processor time for each frame, start-up taken off, above a copy in memory; the captures read
-    and written by a program that looks at nothing stand beside it. Of several runs the least
-    counts: what the machine does beside, as finding memory for the output, only adds."""
+    and written by a program that inspects nothing are listed next to it. Of several runs the least
+    counts: whatever else the machine does, such as finding memory for the output, only adds."""
     out = str(bench.captures / "out.pcap")
     for length, count in ((64, 400_000), (1514, 50_000)):
         capture = bench.capture(length, count)
@@ -95,7 +95,7 @@ exec "$@"
 
 
 def forwarded(command, started):
-    """Frames a second that a program brings from device in0 to out0 while in0 is flooded."""
+    """Frames per second that a program moves from device in0 to out0 while in0 is flooded."""
     namespace = ["unshare", "--net"] if os.geteuid() == 0 else ["unshare", "--net", "-r"]
     process = subprocess.Popen([*namespace, "sh", "-c", TAP_SETUP, "sh", *command],
                                stdin=subprocess.PIPE, stdout=subprocess.PIPE)
@@ -146,7 +146,7 @@ def echoes(entry, out):
         times.append((time.perf_counter_ns() - begin) / 1000)
         os.write(entry, b"\b")
         measure.read_to(out, b"\b")
-        # The next key finds a monitor that waits.
+        # The next key finds the monitor waiting.
         time.sleep(0.0002)
     times.sort()
     return statistics.median(times), times[len(times) * 99 // 100]

@@ -41,7 +41,7 @@ void LoadEach(benchmark::State& state, const std::vector<std::uint32_t>& offsets
 /// Every register's bytes in order.
 void Sweep(benchmark::State& state) { LoadEach(state, RegisterBytes()); }
 
-/// The same bytes in an order that no cache or predictor knows.
+/// The same bytes in an order that no cache or predictor can guess.
 void Random(benchmark::State& state) {
   std::vector<std::uint32_t> offsets = RegisterBytes();
   std::shuffle(offsets.begin(), offsets.end(), std::mt19937(1));
@@ -58,7 +58,7 @@ constexpr std::uint32_t kRouteIndex = 0x60E;
 constexpr std::uint8_t kStart = 0x04;
 constexpr std::uint8_t kReadDone = 0x01;
 
-/// Reads a route with the accesses of its driver; how many that took.
+/// Reads a route with the accesses of its driver. Returns their number.
 int ReadRoute(std::uint8_t index) {
   using namespace monitor;  // NOLINT: the six accesses
   WindowStore8(kRouteIndex, index);

@@ -1,2 +1,2 @@
-// What a static program weighs before it does anything.
+// The size of a static program before it does anything.
 int main() {}

@@ -1,4 +1,4 @@
-// The least that a dump of the register window costs: volatile byte loads, a table of digit pairs,
+// The minimum cost of a dump of the register window: volatile byte loads, a table of digit pairs,
 // one write for each dump. Arguments: the memory device's file, the window's offset, how often.
 #include <fcntl.h>
 #include <sys/mman.h>

@@ -28,20 +28,20 @@ LIMIT = 120
 @dataclass
 class Row:
     """One line of the table. The goal holds for our figure or, with `of_ratio`, for its ratio to
-    the first of those beside it; it is a most, or with `least` a least."""
+    the first of those next to it; it is a maximum, or with `least` a minimum."""
 
     what: str
     ours: float
     unit: str
     goal: float
-    beside: dict = field(default_factory=dict)
+    compared: dict = field(default_factory=dict)
     of_ratio: bool = False
     least: bool = False
     notes: dict = field(default_factory=dict)
 
     @property
     def ratio(self):
-        first = next(iter(self.beside.values()), 0)
+        first = next(iter(self.compared.values()), 0)
         return self.ours / first if first else None
 
     @property
@@ -52,7 +52,7 @@ class Row:
 
 class Bench:
     """The programs under test and folders for the files of one run: one that is seen where /dev
-    is another, and one in memory for captures, so that no disk is measured."""
+    is replaced, and one in memory for captures, so that no disk is measured."""
 
     def __init__(self, build, folder, captures):
         self.build = pathlib.Path(build).resolve()
@@ -74,7 +74,7 @@ class Bench:
 
     @staticmethod
     def window():
-        """What the registers hold: every value, so that no program is quicker for zeros, but no
+        """What the registers hold: every value, so that no program is faster on zeros, but no
         event in the interrupt status."""
         octets = bytearray(i * 167 & 0xFF for i in range(kernel_memory.WINDOW_SIZE))
         octets[0x210:0x212] = bytes(2)
@@ -86,7 +86,7 @@ class Bench:
         return kernel_memory.inside(self.memory, "sh", "-c", both, "sh", *command)
 
     def run(self, command, text=b""):
-        """Runs a command on a script to its end; what it prints."""
+        """Runs a command on a script to its end; returns what it prints."""
         done = subprocess.run(command, input=text, capture_output=True, check=False,
                               timeout=LIMIT)
         if done.returncode != 0:
@@ -117,7 +117,7 @@ class Bench:
         return after.ru_utime + after.ru_stime - before.ru_utime - before.ru_stime
 
     def capture(self, length, count):
-        """A capture with so many frames of that length."""
+        """A capture with that many frames of that length."""
         path = str(self.captures / f"{count}x{length}.pcap")
         if not os.path.exists(path):
             frames.write_pcap(path, (frames.frame(length, number=i) for i in range(count)))
@@ -125,7 +125,7 @@ class Bench:
 
 
 def drain(command, script=os.devnull):
-    """Characters a second that a command puts on a terminal, from the first to the last read."""
+    """Characters per second that a command writes to a terminal, from first to last read."""
     reader, writer = os.openpty()
     tty.setraw(writer)
     with open(script, "rb") as text:
@@ -147,7 +147,7 @@ def drain(command, script=os.devnull):
 
 @contextlib.contextmanager
 def running(command, on_terminal=False):
-    """A program in its prompt: the process, and the descriptors of its input and output."""
+    """A program at its prompt: the process, and the descriptors of its input and output."""
     if on_terminal:
         ours, its = os.openpty()
         tty.setraw(its)
@@ -193,7 +193,7 @@ def memory(process):
 
 def processor_share(process, seconds):
     """Percent of a core that a process takes during that time."""
-    # What led up to the prompt is over.
+    # Everything before the prompt is over.
     time.sleep(0.3)
     before = support.processor_seconds(process)
     time.sleep(seconds)

@@ -27,7 +27,7 @@ def peers(bench):
 
 
 def dumped_file(bench, windows):
-    """A file with the registers so many times."""
+    """A file with the registers that many times."""
     path = bench.path(f"windows{windows}")
     pathlib.Path(path).write_bytes(bench.window() * windows)
     return path
@@ -41,14 +41,14 @@ def dump_instructions(bench, short=False):
     octets = (MANY - FEW) * WINDOW_SIZE
     taken, _ = bench.instructions_of([bench.monitor], DUMP * FEW + EXIT, DUMP * MANY + EXIT,
                                        device=True)
-    beside = {}
+    compared = {}
     if not short:
         per_run = [bench.callgrind(floor(bench, times))[0] for times in (FEW, MANY)]
-        beside["floor"] = (per_run[1] - per_run[0]) / octets
+        compared["floor"] = (per_run[1] - per_run[0]) / octets
         for name, command in peers(bench).items():
             few, many = (bench.callgrind(command(dumped_file(bench, n)))[0] for n in (FEW, MANY))
-            beside[name] = (many - few) / octets
-    yield Row("reg 0 2000, file-backed device", taken / octets, "instructions/byte", 21, beside)
+            compared[name] = (many - few) / octets
+    yield Row("reg 0 2000, file-backed device", taken / octets, "instructions/byte", 21, compared)
 
 
 def dump_to_terminal(bench):
@@ -60,7 +60,7 @@ def dump_to_terminal(bench):
             "floor": (floor(bench, windows), os.devnull)}
     runs.update({name: (command(path), os.devnull) for name, command in peers(bench).items()})
     rates = {name: [] for name in runs}
-    # In turn, so that what else the machine does meets all of them.
+    # In turn, so that whatever else the machine does affects all of them.
     for _ in range(7):
         for name, run in runs.items():
             rates[name].append(measure.drain(*run) / 1e6)
@@ -162,7 +162,7 @@ def sizes(bench):
 
 
 def long_script(bench):
-    """Lines that all do the same, through a pipe."""
+    """Identical lines, through a pipe."""
     line, lines = b"reg 0 1\n", 100_000
     def taken(count):
         return bench.callgrind([bench.monitor], line * count + EXIT, True)[0]

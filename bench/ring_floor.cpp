@@ -1,4 +1,4 @@
-// The least that moving a frame costs: frames copied between the buffers of a ring as large as the
+// The minimum cost of moving a frame: frames copied between the buffers of a ring as large as the
 // chip's. Arguments: frame length, how many frames. Prints nanoseconds of processor
 // time for each frame.
 #include <cstdio>

@@ -1,4 +1,4 @@
-// The least that looking for frames every millisecond costs: sleeping that often. Ends by a signal.
+// The minimum cost of looking for frames every millisecond: sleeping that often. Ends on a signal.
 #include <poll.h>
 
 #include <ctime>

@@ -1,4 +1,4 @@
-// The least that starting a monitor costs: open the memory device, map the window, print, wait
+// The minimum cost of starting a monitor: open the memory device, map the window, print, wait
 // for input. Arguments: the memory device, the window's offset.
 #include <fcntl.h>
 #include <sys/mman.h>

@@ -1,5 +1,5 @@
-// The least that forwarding between TAP devices costs: read from one, write to the other.
-// Arguments: the names of the two devices. Ends by a signal.
+// The minimum cost of forwarding between TAP devices: read from one, write to the other.
+// Arguments: the names of the two devices. Ends on a signal.
 #include <fcntl.h>
 #include <linux/if_tun.h>
 #include <net/if.h>

@@ -1,5 +1,5 @@
 // The model's side of the engine handshake: a command byte whose start bit begins an operation
-// and whose done bits tell when it is over.
+// and whose done bits show when it is over.
 #pragma once
 
 #include <cstdint>
@@ -11,7 +11,7 @@
 
 namespace chip {
 
-/// What an engine does instead of working, so that failure can be seen.
+/// What an engine does instead of working, so that failures can be tested.
 struct Fault {
   enum class Kind : std::uint8_t {
     kNone,
@@ -63,10 +63,10 @@ class Engine {
   void Reset();
   void State(StateArchive& archive);
 
-  /// Told of every store to the command byte, for bits in it that are not the engine's.
+  /// Called for every store to the command byte, for bits in it that are not the engine's.
   std::function<void(std::uint8_t stored)> on_store;
 
-  /// Told of the end of every operation, also of one that a fault kept from doing anything.
+  /// Called at the end of every operation, even of one that a fault kept from doing anything.
   std::function<void()> on_end;
 
  private:

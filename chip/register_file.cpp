@@ -106,14 +106,14 @@ void RegisterFile::StoreParts(std::uint32_t offset, unsigned width, std::uint32_
   if (observer_) observer_({.store = true, .width = width, .offset = offset, .value = value});
   if (!IsProper(offset, width) && !ComplainOfAddress(offset, width)) return;
   const auto store_part = [&](const Row& row) {
-    // Line the access up with the register, of which it may reach a part.
+    // Align the access with the register; it may cover only part of it.
     const unsigned left = 32 + 8 * (row.offset + row.width - offset - width);
     const auto align = [left](std::uint32_t bits) {
       return static_cast<std::uint32_t>(std::uint64_t{bits} << left >> 32);
     };
     StoreToRow(row, offset, align(WidthMask(width)) & WidthMask(row.width), align(value));
   };
-  // Bytes that no register claims behave as plain storage.
+  // Bytes that belong to no register behave as plain storage.
   const auto store_byte = [&](std::uint32_t at) {
     Disassemble(at, 1, value >> (8 * (offset + width - 1 - at)));
   };

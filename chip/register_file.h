@@ -53,17 +53,17 @@ class RegisterFile {
     Claim(reg.offset, sizeof(T), reg.name, behaviour);
   }
 
-  /// Claims a run of byte registers that behave alike; hooks are told of each byte.
+  /// Claims a run of byte registers that behave alike; hooks are called for each byte.
   template <std::size_t N>
   void Define(monitor::RegBytes<N> regs, const Behaviour& behaviour = {}) {
     for (unsigned i = 0; i < N; ++i) Define(regs[i], behaviour);
   }
 
-  /// Says whether loads of the register have to call its `before_load`, as they do at first. They
-  /// are quicker without.
+  /// Says whether loads of the register have to call its `before_load`, as they do at first.
+  /// Loads that do not are quicker.
   void CallBeforeLoad(monitor::Reg8 reg, bool on) { load_flags_[reg.offset] = FlagsOf(on); }
 
-  // What the registers hold, beside the bus: no hooks, no masks, no complaints.
+  // What the registers hold, bypassing the bus: no hooks, no masks, no complaints.
   template <std::unsigned_integral T>
   [[nodiscard]] T Get(monitor::Reg<T> reg) const {
     return static_cast<T>(Assemble(reg.offset, sizeof(T)));
@@ -97,7 +97,7 @@ class RegisterFile {
     }
   }
 
-  /// How the register that owns the byte behaves; null where there is none.
+  /// How the register that contains the byte behaves; null where there is none.
   [[nodiscard]] const Behaviour* BehaviourAt(std::uint32_t offset) const;
 
   /// Every register back to its power-on value.
@@ -186,9 +186,9 @@ class RegisterFile {
   static void Refresh(const Row& row) {
     if (row.behaviour.before_load) row.behaviour.before_load();
   }
-  /// Complains of an access that is not proper; false when it leaves the window.
+  /// Complains about an access that is not proper; false when it leaves the window.
   bool ComplainOfAddress(std::uint32_t offset, unsigned width);
-  /// The register that the access reaches whole and alone, as most do; null otherwise.
+  /// The register that the access covers exactly, as most do; null otherwise.
   [[nodiscard]] const Row* WholeRow(std::uint32_t offset, unsigned width) const;
   /// Calls `visit_row` once for each register that the access touches, `visit_unmapped` for each
   /// byte without one.

@@ -1,4 +1,4 @@
-// The whole model: the registers and every block behind them.
+// The whole model: the registers and every block that they control.
 #pragma once
 
 #include <functional>
@@ -35,7 +35,7 @@ class RouterChip {
   /// Power-on state of every register and block.
   void Reset();
 
-  /// Everything but what lies outside: faults, the clock, who watches, complaints. When replacing
+  /// Everything except what is outside: faults, the clock, observers, complaints. When replacing
   /// throws, part of the state has been replaced.
   void State(StateArchive& archive);
 
@@ -51,10 +51,10 @@ class RouterChip {
   /// Makes one of the FaultNames fail; false when nothing has that name.
   [[nodiscard]] bool SetFault(const std::string& name, Fault fault);
 
-  /// What the timers count with. Time stands still until it is replaced.
+  /// The clock of the timers. Time stands still until it is replaced.
   Clock clock = [] { return std::uint64_t{0}; };
 
-  // What the monitor does on its bus beside loads and stores; empty when nobody watches.
+  // What the monitor does on its bus besides loads and stores; empty without an observer.
   std::function<void(std::uint16_t base)> on_map;  ///< Makes the buffer memory reachable there.
   std::function<void(bool locked)> on_lock;        ///< Locks or unlocks interrupts.
 

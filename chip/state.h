@@ -1,4 +1,4 @@
-// How the model's state is taken out and put back. Each block lists its state once, in a function
+// How the model's state is saved and restored. Each block lists its state once, in a function
 // State(StateArchive&) that serves both directions.
 #pragma once
 
@@ -15,12 +15,12 @@
 namespace chip {
 
 /// Whoever goes through the state: it notes each value, or replaces each by what was noted.
-/// Replacing throws when there is nothing that fits.
+/// Replacing throws when nothing fits.
 class StateArchive {
  public:
   virtual ~StateArchive() = default;
 
-  /// True when values are replaced. What follows from the listed values is worked out anew then.
+  /// True when values are replaced. What follows from the listed values is then recomputed.
   [[nodiscard]] virtual bool Loading() const = 0;
 
   /// True when the member is left out: because it `is_default`, or, when values are replaced,
@@ -46,7 +46,7 @@ class StateArchive {
   /// Bytes of any number.
   virtual void Queue(const std::string& name, std::deque<std::uint8_t>& bytes) = 0;
 
-  /// Replacing throws for a `name` that does not hold, giving the reason.
+  /// Replacing throws for a `name` whose condition is false, giving the reason.
   virtual void Require(bool holds, const std::string& name, const std::string& reason) = 0;
 
   /// An address, a mask, whatever reads best in hexadecimal. Only the bits of `bits` exist.

@@ -38,7 +38,7 @@ void SelectRule(unsigned index) { Write(kClsIndex, kClsRuleNumber.Put(index)); }
 
 bool Has(const ClsRule& rule, ClsMatch field) { return (rule.fieldMask & field) != 0; }
 
-/// Brings the rule into the data registers.
+/// Reads the rule into the data registers.
 [[nodiscard]] DriverStatus FetchRule(unsigned index) {
   SelectRule(index);
   return RunEngine(kReadRule);

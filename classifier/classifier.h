@@ -1,10 +1,11 @@
-// The packet classifier: 128 rules behind an index, data registers and a command byte. A rule
-// compares optional header fields, acts on frames that match and counts them; rules form chains,
-// which the chip follows from the chain head. Filter switch: bit 5 of the filter control byte.
+// The packet classifier: 128 rules accessed through an index, data registers and a command byte. A
+// rule compares optional header fields, acts on frames that match and counts them; rules form
+// chains, which the chip follows from the chain head. Filter switch: bit 5 of the filter control
+// byte.
 //
 // Surprises: a read never reports copy-to-CPU. Relinking a rule above 63 writes to the rule 64
-// below it. The values of ACK and the ingress tag are not cut and run into their neighbours. The
-// overflow map has nine bytes, which hold rules 0x38 to 0x7F; the other rules have no bit.
+// below it. The values of ACK and the ingress tag are not cut and overflow into their neighbours.
+// The overflow map has nine bytes, which hold rules 0x38 to 0x7F; the other rules have no bit.
 #pragma once
 
 #include <array>
@@ -86,8 +87,8 @@ struct ClsRule {
 };
 static_assert(sizeof(ClsRule) == 76);
 
-/// How a rule tells that an optional field is present: by bits of `fieldMask` or by a byte of
-/// its own. One made from nothing never is.
+/// How a rule marks an optional field as present: by bits of `fieldMask` or by a separate byte.
+/// A default-constructed one is never present.
 struct ClsPresence {
   std::uint16_t mask = 0;
   std::uint8_t ClsRule::*byte = nullptr;
@@ -116,9 +117,9 @@ extern std::array<ClsRule, kClsRules> ClsShadow;
 void ClsClearShadow();
 
 // All table operations: kNotReady when the engine is busy, kRefused, with nothing touched, for
-// a rule above 127. Only the low 16 bits of a rule's number are looked at.
+// a rule above 127. Only the low 16 bits of a rule's number count.
 
-/// Fills `rule`, but for `copyToCpu`, and `rst` when it is absent: they keep their values. Other
+/// Fills `rule` except `copyToCpu`, and `rst` when it is absent, which keep their values. Other
 /// absent fields become 0.
 [[nodiscard]] DriverStatus ClsRead(unsigned index, ClsRule& rule);
 

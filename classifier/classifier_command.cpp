@@ -6,7 +6,7 @@ namespace monitor {
 namespace {
 
 constexpr char kReadFailed[] = "CLS Read failed\n\r";
-// The listing of all counters has a text of its own.
+// The listing of all counters has its own text.
 constexpr char kListCounterFailed[] = "CLS ReadCounter failed\n\r";
 constexpr char kReadCounterFailed[] = "CLS Read Counter failed\n\r";
 constexpr char kWriteCounterFailed[] = "CLS Write Counter failed\n\r";
@@ -54,7 +54,7 @@ int ReadAndPrint(unsigned index, ClsRule& rule) {
 /// Reads and prints the rule to which `rule` links.
 int FollowLink(ClsRule& rule) { return ReadAndPrint(rule.next & 0xFF, rule); }
 
-/// l: the whole chain, but no more than 129 rules behind the head, so that a cycle ends.
+/// l: the whole chain, but no more than 129 rules after the head, so that a cycle ends.
 int ListWholeChain(ClsRule& rule) {
   constexpr unsigned kMostLinks = 129;
   for (unsigned i = 0; i < kMostLinks && rule.next != kClsNoNext; ++i) {
@@ -63,7 +63,7 @@ int ListWholeChain(ClsRule& rule) {
   return kDone;
 }
 
-/// l <number>: what the usage row calls an index is a count. The end of the chain is not noticed,
+/// l <number>: what the usage row calls an index is a count. The end of the chain is not detected,
 /// and a count of 0 wraps.
 int ListLinks(std::uint8_t number, ClsRule& rule) {
   while (--number != 0) {
@@ -148,7 +148,7 @@ int Counter(int argc, ArgVector argv) {
   }
 }
 
-/// Byte of the overflow map for a rule; rules below 0x38 lie behind the map's end.
+/// Byte of the overflow map for a rule; rules below 0x38 are beyond the map's end.
 constexpr unsigned OverflowByte(unsigned index) { return (kClsRules - 1 - index) / 8; }
 
 constexpr unsigned OverflowBit(unsigned index) { return 1U << (index & 7); }
@@ -171,7 +171,7 @@ int ShowOverflow() {
   return kDone;
 }
 
-/// o =: all but the ninth byte's rules. The header differs from that of the plain form.
+/// o =: all rules except those of the ninth byte. The header differs from that of the plain form.
 int ClearAllOverflow() {
   ClsOverflowMap map{};
   for (unsigned i = 0; i < kMapBytesShown; ++i) map[i] = 0xFF;
@@ -181,7 +181,7 @@ int ClearAllOverflow() {
   return kDone;
 }
 
-/// o <index>: a bad index is passed over in silence.
+/// o <index>: a bad index is silently ignored.
 int ShowOverflowOf(ArgVector argv) {
   std::uint8_t index;
   if (!ParseRuleIndex(argv[2], index)) return kDone;

@@ -52,7 +52,7 @@ void PrintActions(const ClsRule& rule) {
   ConsolePuts(rule.positive != 0 ? "POSITIVE\n\r" : "NEGATIVE\n\r");
 }
 
-/// No line ends behind the digits: what follows continues the line of the last address.
+/// No line end follows the digits: further output continues the line of the last address.
 void PrintMacs(const ClsRule& rule) {
   if (rule.smacValid == 1) {
     ConsolePuts("\n\rSOURCE MAC: ");

@@ -5,8 +5,8 @@
 namespace monitor {
 namespace {
 
-/// The words of a line that are still to be read. The slots behind the last word hold words of
-/// earlier lines and are never looked at.
+/// The words of a line that are still to be read. The slots after the last word hold words of
+/// earlier lines and are never read.
 class WordCursor {
  public:
   WordCursor(int argc, ArgVector argv, int first) : argc_(argc), argv_(argv), at_(first) {}
@@ -30,8 +30,8 @@ class WordCursor {
   int at_;
 };
 
-/// Carries out a part of a keyword's meaning: takes the words that it needs and stores their
-/// value in the rule. False when they are missing or do not parse.
+/// Carries out part of a keyword's meaning: takes the words that it needs and stores their value
+/// in the rule. False when they are missing or do not parse.
 using Action = bool (*)(WordCursor& words, ClsRule& rule);
 
 template <auto member, std::uint8_t value>
@@ -53,7 +53,7 @@ bool ParseDrop(const char* word, std::uint8_t& high) {
 }
 
 /// Up to four passes over the port words, each of which takes those that come in its order: more
-/// than four words in all when some repeat. What is left over is the next keyword, so that a CPU
+/// than four words in all when some repeat. A word left over is the next keyword, so that a CPU
 /// may be either.
 bool Interfaces(WordCursor& words, ClsRule& rule) {
   constexpr int kPasses = 4;

@@ -11,21 +11,21 @@ struct Place {
   Field field;
 };
 
-/// How a value gets into its place.
+/// How a value is put into its place.
 enum class Fit : std::uint8_t {
-  kCut,   ///< Bits that the place does not have are lost.
-  kFlag,  ///< Any value but 0 is 1.
-  kRun,   ///< Bits that the place does not have run into the neighbouring ones.
+  kCut,   ///< Excess bits are lost.
+  kFlag,  ///< Any value except 0 is 1.
+  kRun,   ///< Excess bits overflow into the neighbouring ones.
 };
 
 /// A value of the rule and its place.
 struct Value {
-  std::uint8_t ClsRule::*member = nullptr;  ///< None: the field has a register of its own.
+  std::uint8_t ClsRule::*member = nullptr;  ///< None: the field has its own register.
   Place place{};
   Fit fit = Fit::kCut;
 };
 
-/// An optional field: how rule and chip tell that it is present, and its value.
+/// An optional field: how rule and chip mark it as present, and its value.
 struct OptionalField {
   ClsPresence presence;
   Place valid;

@@ -5,7 +5,7 @@
 
 namespace monitor {
 
-/// Register values. All are held in 32 bits, so that one kind of table row reaches them.
+/// Register values. All are held in 32 bits, so that one kind of table row serves them all.
 struct RuleWords {
   std::uint32_t control = 0;
   std::uint32_t flags1 = 0;

@@ -4,7 +4,7 @@ set(DEBUG_MONITOR_WINDOW "0x40000000" CACHE STRING "Offset of the window in the 
 option(DEBUG_MONITOR_STATIC "Link debug-monitor statically" ON)
 option(DEBUG_MONITOR_BOARD "Build virtual-board" ON)
 option(DEBUG_MONITOR_TESTS "Build the tests" ON)
-option(DEBUG_MONITOR_BENCH "Build the programs behind ./dev bench" OFF)
+option(DEBUG_MONITOR_BENCH "Build the programs of ./dev bench" OFF)
 option(DEBUG_MONITOR_FUZZ "Build the fuzz targets (Clang)" OFF)
 set(DEBUG_MONITOR_SANITIZE "" CACHE STRING "Sanitizers to build with, as for -fsanitize=")
 
@@ -33,7 +33,7 @@ target_compile_options(monitor_options INTERFACE -fno-exceptions -fno-rtti
                        -fno-asynchronous-unwind-tables $<$<CONFIG:Release>:-O2>)
 
 # Link-time optimisation puts the register accesses into the drivers. The monitor's objects hold
-# plain code beside it, so that the tests link without.
+# plain code as well, so that the tests link without it.
 add_library(whole_program INTERFACE)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_BUILD_TYPE STREQUAL "Release")
   set(whole_program_compile_options -flto -ffat-lto-objects)

@@ -17,11 +17,11 @@ constexpr int kColumnAfterWrap = 12;
 
 constexpr unsigned kBytesPerLine = 16;
 
-/// A line of a dump that shows nothing, and where its first byte stands.
+/// An empty dump line, and the position of its first byte.
 constexpr char kEmptyLine[] = "00000000: .. .. .. .. .. .. .. .. .. .. .. .. .. .. .. .. \n\r";
 constexpr unsigned kFirstByte = 10;
 
-/// Both digits of every byte, as a dump spends most of its time looking them up.
+/// Both digits of every byte value: a dump spends most of its time looking them up.
 struct HexPairs {
   char digits[256][2];
 

@@ -20,8 +20,8 @@ void ConsoleFlush();
 /// has no deadline. May return early.
 void ConsoleWait(long microseconds);
 
-/// As ConsoleWait, when nothing is left to do: where the program hears of all that can happen, the
-/// sleep lasts until something does.
+/// As ConsoleWait, when there is nothing left to do: a program that is woken by every event sleeps
+/// until one occurs.
 void ConsoleIdle(long microseconds);
 
 }  // namespace monitor

@@ -41,7 +41,7 @@ class Appender {
   char* end_;
 };
 
-/// Writes the digits of a number, without padding, before `end`; their start.
+/// Writes the digits of a number, without padding, so that they end at `end`. Returns their start.
 char* PutDigitsBefore(char* end, std::uint32_t value, unsigned base, const char* digits) {
   do {
     *--end = digits[value % base];

@@ -73,18 +73,19 @@ class Format {
   const char* text_;
 };
 
-/// Formats into `out`, cut to `size` - 1 characters, and terminates it; the number of
+/// Formats into `out`, cut to `size` - 1 characters, and terminates it. Returns the number of
 /// characters before the NUL.
 std::size_t FormatText(char* out, std::size_t size, const char* format, const FormatArg* args);
 
-/// Writes the address in dotted decimal and a NUL (16 bytes at most); the length, 7 to 15.
+/// Writes the address in dotted decimal and a NUL (16 bytes at most). Returns the length, 7 to 15.
 unsigned FormatIp(std::uint32_t address, char* out);
 
 /// Writes `digits` decimal digits of the value (0: as many as it has), leading zeros included,
-/// with "," before each group of three when `commas`. No NUL. The number of characters.
+/// with "," before each group of three when `commas`. No NUL. Returns the number of characters.
 unsigned FormatDecimal(std::uint32_t value, char* out, unsigned digits, bool commas);
 
-/// Writes `digits` upper-case hexadecimal digits of a big-endian byte field. No NUL. Always 1.
+/// Writes `digits` upper-case hexadecimal digits of a big-endian byte field. No NUL. Always
+/// returns 1.
 int FormatHexDigits(const std::uint8_t* field, char* out, unsigned digits);
 
 /// A dotted-decimal address as a value, for use as a "%s" argument.

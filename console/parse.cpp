@@ -14,7 +14,7 @@ constexpr unsigned HexDigitValue(char digit) {
 
 constexpr bool IsDecimalDigit(char c) { return c >= '0' && c <= '9'; }
 
-/// Accumulates a run of decimal digits modulo 2^32 and moves `text` behind it.
+/// Accumulates a run of decimal digits modulo 2^32 and moves `text` past it.
 std::uint32_t TakeDecimal(const char*& text) {
   std::uint32_t value = 0;
   while (IsDecimalDigit(*text)) value = value * 10 + static_cast<std::uint32_t>(*text++ - '0');

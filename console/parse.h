@@ -1,5 +1,5 @@
-// Parsers for the words of a command line. They print nothing; a parser that answers false has
-// left its destination as it was.
+// Parsers for the words of a command line. They print nothing; a parser that returns false leaves
+// its destination unchanged.
 #pragma once
 
 #include <array>
@@ -27,17 +27,17 @@ using net::MacAddress;
 
 /// Parses a dotted-decimal IPv4 address of exactly four parts, up to a space or the end of the
 /// text. An empty part is 0. A part is refused when it exceeds 255 as a signed 32-bit number,
-/// so one that wraps to a negative number is merged as it is. The first part becomes the most
+/// so one that wraps to a negative number is merged unchanged. The first part becomes the most
 /// significant byte.
 [[nodiscard]] bool ParseIp(const char* text, std::uint32_t& address);
 
 /// Stores the value of the leading run of decimal digits (0 when there is none), modulo 2^32.
 void ParseDecimal(const char* text, std::uint32_t& value);
 
-/// 0 when both texts are equal to the letter, else -1.
+/// 0 when both texts are identical, otherwise -1.
 [[nodiscard]] int StrEqual(const char* a, const char* b);
 
-/// True when the word is `keyword`, to the letter.
+/// True when the word is exactly `keyword`.
 [[nodiscard]] inline bool WordIs(const char* word, const char* keyword) {
   return StrEqual(word, keyword) == 0;
 }

@@ -32,32 +32,33 @@ constexpr long kEndedPauseMicroseconds = 100'000;
 
 ConsoleSetup g_setup;
 
-/// Most characters that one read takes, and that a wait which looks for a Ctrl-C among them keeps;
-/// the rest of the buffer is for the next ones that it has to look through.
+/// The most characters that one read takes, and that a wait which searches them for a Ctrl-C keeps;
+/// the rest of the buffer is for the next characters to be searched.
 constexpr std::size_t kTypedAhead = 3072;
 char g_input[kTypedAhead + 1024];
 std::size_t g_input_begin = 0;
 std::size_t g_input_end = 0;
 
-/// What becomes of the input behind g_input_end. Too much for a wait is thrown away until the
-/// monitor reads again, in whole lines, as the rest of a line could be another command.
+/// What becomes of the input after g_input_end. What is too much for a wait is discarded until the
+/// monitor reads again, in whole lines, because the rest of a line could be another command.
 enum class Flood : std::uint8_t { kNone, kBetweenLines, kInLine };
 Flood g_flood = Flood::kNone;
 
 bool g_input_ended = false;
 int g_input_error = 0;
-bool g_in_line = false;  ///< The last character read was no line feed.
+bool g_in_line = false;  ///< The last character read was not a line feed.
 
-/// Behind a Ctrl-C that has ended a wait the operator has this long to press a key before anything
+/// After a Ctrl-C that has ended a wait the operator has this long to press a key before anything
 /// else happens: the packet service would begin the next such wait at once.
 constexpr long kKeyFirstMicroseconds = 500'000;
 bool g_key_first = false;
 
-/// A look at the input is a system call. While passes follow each other without a wait, as when
-/// frames pour in, one pass in some is enough for it; printing takes time and makes it due.
+/// Looking at the input is a system call. While passes follow each other without a wait, as when
+/// frames pour in, it is enough to look in one pass of several; printing takes time and makes a
+/// look due.
 constexpr unsigned kPassesBetweenLooks = 8;
 
-/// An input that has ended hardly comes back.
+/// An input that has ended rarely comes back.
 constexpr unsigned kPassesBetweenLooksAtTheEnd = 256;
 unsigned g_passes_to_look = 0;
 
@@ -101,7 +102,7 @@ void Sleep(long microseconds) {
   nanosleep(&time, nullptr);
 }
 
-/// Reads what waits on the input; the number of characters.
+/// Reads the waiting input. Returns the number of characters.
 std::size_t ReadWaiting(char* text, std::size_t room) {
   const ssize_t got = read(g_setup.input, text, room);
   if (got > 0) {
@@ -142,15 +143,15 @@ bool EndsLine(char c) {
   return c == kLineFeed || (c == kCarriageReturn && g_setup.return_is_line_feed);
 }
 
-/// Throws the input behind `kept` away.
+/// Discards the input after `kept`.
 void DiscardAfter(std::size_t kept) {
   if (kept == g_input_end) return;
   g_flood = EndsLine(g_input[g_input_end - 1]) ? Flood::kBetweenLines : Flood::kInLine;
   g_input_end = kept;
 }
 
-/// Keeps as many whole lines as fit. Behind them comes a line that its Ctrl-D makes void, as it may
-/// go on one that the editor holds; it also shows where something is missing.
+/// Keeps as many whole lines as fit. They are followed by a line that its Ctrl-D makes void,
+/// because it may continue one that the editor holds; it also shows where something is missing.
 void KeepWholeLines() {
   std::size_t end = kTypedAhead;
   while (end != 0 && !EndsLine(g_input[end - 1])) --end;
@@ -159,7 +160,7 @@ void KeepWholeLines() {
   g_input[g_input_end++] = kLineFeed;
 }
 
-/// Throws away the rest of a line whose beginning was.
+/// Discards the rest of a line whose beginning was discarded.
 void EndFlood() {
   while (g_flood == Flood::kInLine && g_input_begin != g_input_end) {
     if (EndsLine(g_input[g_input_begin++])) g_flood = Flood::kBetweenLines;
@@ -188,8 +189,8 @@ void Complain(const char* reason) {
   tell("\n");
 }
 
-/// Ends the program when output cannot be delivered: nothing that was printed may be lost behind
-/// a success.
+/// Ends the program when output cannot be delivered: nothing that was printed may be lost when
+/// the program reports success.
 [[noreturn]] void GiveUpOutput() {
   const int error = errno;
   if (error != EPIPE) Complain(strerror(error));
@@ -314,7 +315,7 @@ bool WaitInterrupted(const Awaited& awaited) {
     g_key_first = true;
     return true;
   }
-  // What is too much is given up, so that a Ctrl-C behind any amount of input is found, and soon.
+  // What is too much is given up, so that a Ctrl-C after any amount of input is found, and soon.
   if (g_flood != Flood::kNone) {
     DiscardAfter(before);
   } else if (g_input_end > kTypedAhead) {

@@ -18,7 +18,7 @@ struct ConsoleSetup {
   void (*before_wait)() = nullptr;    ///< Called before the monitor waits for input.
   int watched = -1;                   ///< A descriptor that ends such a wait too,
   void (*on_watched)() = nullptr;     ///< after which this is called.
-  bool (*only_events)() = nullptr;    ///< True: input and `watched` tell of all that can happen,
+  bool (*only_events)() = nullptr;    ///< True: input and `watched` report every event,
                                       ///< so a monitor without work needs no time limit.
   void (*between_steps)() = nullptr;  ///< Called often, also in long waits on hardware, and
                                       ///< never in the middle of an access to the chip.
@@ -32,7 +32,7 @@ struct ConsoleSetup {
   void (*on_long_wait)(const Awaited& awaited) = nullptr;
 };
 
-/// Replaces the setup. Standard input and output without extras hold until it is called.
+/// Replaces the setup. Until it is called, plain standard input and output are used.
 void ConsoleOpen(const ConsoleSetup& setup);
 
 }  // namespace monitor

@@ -5,7 +5,7 @@
 
 namespace monitor {
 
-/// Stands over a map: the first digits belong to entry 0x3F, the last to entry 0.
+/// The heading of a map: the first digits belong to entry 0x3F, the last to entry 0.
 inline constexpr char kEntryMapHeader[] = "               3F<-..........->00";
 
 /// Prints the header, then "\n\r<label>: " and two digits for each byte. No line end follows.

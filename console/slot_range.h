@@ -8,7 +8,7 @@ namespace monitor {
 /// Parses an index of at most two digits. False for one that is not below `slots`.
 [[nodiscard]] bool ParseSlot(const char* word, unsigned slots, std::uint8_t& index);
 
-/// Slots in a row: from `begin` up to the one before `end`.
+/// Consecutive slots: from `begin` up to the one before `end`.
 struct SlotRange {
   unsigned begin;
   unsigned end;

@@ -11,7 +11,7 @@ namespace monitor {
 /// Size of the register window in bytes; valid offsets are 0x0000 to 0x1FFF.
 inline constexpr std::uint32_t kWindowSize = 0x2000;
 
-/// Address at which operators know the window: offset X is shown as 0x50000000 + X.
+/// Address of the window as operators see it: offset X is shown as 0x50000000 + X.
 inline constexpr std::uint32_t kWindowAddress = 0x50000000;
 
 // One load or store of the stated width at a window offset. Values are as the processor sees
@@ -23,8 +23,8 @@ void WindowStore8(std::uint32_t offset, std::uint8_t value);
 void WindowStore16(std::uint32_t offset, std::uint16_t value);
 void WindowStore32(std::uint32_t offset, std::uint32_t value);
 
-/// Makes the frame buffer memory at bus address `base` * 65536 reachable; false when it cannot
-/// be. Free of cost and of bus traffic when that base is already in place.
+/// Makes the frame buffer memory at bus address `base` * 65536 accessible; false when it cannot
+/// be mapped. Costs nothing, and causes no bus traffic, when that base is already mapped.
 [[nodiscard]] bool MemoryMap(std::uint16_t base);
 
 // One load or store of frame buffer memory by 32-bit bus address, inside the area last given to

@@ -12,7 +12,7 @@ enum class DriverStatus : std::uint8_t {
   kNothing = 3,   ///< No received frame is waiting.
 };
 
-/// True for every result but kOk.
+/// True for every result except kOk.
 [[nodiscard]] constexpr bool Failed(DriverStatus status) { return status != DriverStatus::kOk; }
 
 }  // namespace monitor

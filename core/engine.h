@@ -57,8 +57,8 @@ struct OtherBits {
 /// True when both ready bits are set: one load.
 [[nodiscard]] bool EngineReady(Reg8 command);
 
-/// The start pulse: the command byte becomes (old OR set) AND keep, a short delay, the pulse's
-/// end. No check, no wait.
+/// The start pulse: the command byte becomes (old OR set) AND keep; after a short delay the pulse
+/// ends. No check, no wait.
 void PulseEngine(const EngineStep& step);
 
 /// Waits for the step's done bit, without a time limit. kNotReady when the operator gave up.

@@ -6,10 +6,10 @@
 
 namespace monitor {
 
-/// What a long wait waits for, without the names, which the monitor has no use for.
+/// What a long wait waits for, without names, which the monitor does not need.
 struct Awaited {
   std::uint16_t offset = 0;
-  std::uint8_t mask = 0;  ///< The wait ends when one of these bits rises; 0: it is for no register.
+  std::uint8_t mask = 0;   ///< The wait ends when one of these bits rises; 0: not a register wait.
   bool first_look = true;  ///< The console is looked at for the first time in this wait.
 };
 
@@ -26,7 +26,7 @@ class LongWait {
   /// A wait for a bit of `field`.
   LongWait(Reg8 reg, Field field) : awaited_{.offset = reg.offset, .mask = field.Mask()} {}
 
-  /// Call once a round; true when the operator has typed Ctrl-C to end it.
+  /// Call once per round; true when the operator has typed Ctrl-C to end it.
   [[nodiscard]] bool GivenUp();
 
  private:

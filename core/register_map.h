@@ -1,5 +1,5 @@
-// Descriptions of registers for whoever explains bus traffic: the trace, the exported map, the
-// chip model. The drivers do not use them.
+// Descriptions of registers for everything that explains bus traffic: the trace, the exported map,
+// the chip model. The drivers do not use them.
 #pragma once
 
 #include <span>
@@ -77,7 +77,7 @@ struct RegisterRow {
   ValueType type;  ///< Of a register without fields.
   std::array<FieldRow, kMaxFields> fields{};
   unsigned field_count = 0;
-  const char* on_load;  ///< What a load does beside giving the value; mostly empty.
+  const char* on_load;  ///< What a load does besides returning the value; mostly empty.
 
   template <std::unsigned_integral T>
   consteval RegisterRow(Reg<T> reg, std::initializer_list<FieldRow> list = {},  // NOLINT: a row

@@ -1,5 +1,5 @@
 // Typed registers: a register is a constant whose type carries its width, its fields are
-// constants beside it, and each accessor below is exactly the bus accesses that its line says.
+// constants next to it, and each accessor below makes exactly the bus accesses that its line says.
 //
 // The chip's registers are big-endian: the byte at the lowest offset is the most significant.
 // Register values here are host integers; this file is the only place where bytes are swapped.
@@ -54,7 +54,7 @@ using Reg8 = Reg<std::uint8_t>;
 using Reg16 = Reg<std::uint16_t>;
 using Reg32 = Reg<std::uint32_t>;
 
-/// N consecutive byte registers, reached one byte at a time.
+/// N consecutive byte registers, accessed one byte at a time.
 template <std::size_t N>
 struct RegBytes {
   std::uint16_t offset;

@@ -1,5 +1,5 @@
-// The board: the register window at its fixed address and frame buffer memory behind a second
-// mapping, each access a single volatile load or store.
+// The board: the register window at its fixed address and frame buffer memory in a second mapping,
+// each access a single volatile load or store.
 #include "debug_monitor/device.h"
 
 #include <fcntl.h>
@@ -14,7 +14,7 @@ namespace {
 constexpr std::size_t kBuffers = 256;
 constexpr std::size_t kBufferSize = 2048;
 
-/// Every buffer, and a page for the part of a frame that sticks out of the last one.
+/// Every buffer, and a page for the part of a frame that extends past the last one.
 constexpr std::size_t kMemorySize = kBuffers * kBufferSize + 4096;
 
 int g_device = -1;
@@ -27,8 +27,8 @@ volatile T& WindowAt(std::uint32_t offset) {
   return *reinterpret_cast<volatile T*>(static_cast<std::uintptr_t>(kWindowAddress) + offset);
 }
 
-/// What lies at a bus address; null outside the mapping, as when the hardware has moved the base
-/// since the address was made.
+/// The memory at a bus address; null outside the mapping, as when the hardware has moved the base
+/// since the address was computed.
 template <typename T>
 volatile T* MemoryAt(std::uint32_t address) {
   const std::uint32_t from_base = address - (std::uint32_t{g_memory_base} << 16);
@@ -36,7 +36,7 @@ volatile T* MemoryAt(std::uint32_t address) {
   return reinterpret_cast<volatile T*>(g_memory + from_base);
 }
 
-/// Where nothing is, all ones.
+/// All ones where there is no memory.
 template <typename T>
 T LoadFrom(std::uint32_t address) {
   const volatile T* const at = MemoryAt<T>(address);

@@ -11,7 +11,7 @@ namespace {
 
 constexpr int kNoDevice = -19;
 
-/// Start-up lines are no console lines: they do not count towards the console column.
+/// Start-up lines are not console lines: they do not count towards the console column.
 void Say(const char* text) { ConsoleSend(text, std::strlen(text)); }
 
 int Main() {

@@ -25,7 +25,7 @@ class RouteTest(unittest.TestCase):
     def run_command(self, command):
         """What the command prints, with plain line ends."""
         self.console.send(command + "\n")
-        # Behind the echo of the command, which ends with a line end of its own.
+        # After the echo of the command, which has its own line end.
         self.console.expect_exact("\r\n")
         self.console.expect_exact(PROMPT)
         return self.console.before.replace("\r", "")

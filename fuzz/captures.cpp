@@ -1,5 +1,5 @@
-// Any bytes as a capture file. What comes out of it fits the chip's buffers, and comes out of the
-// captures that the board writes as it was.
+// Any bytes as a capture file. The frames read from it fit the chip's buffers, and the captures
+// that the board writes return them unchanged.
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -21,7 +21,7 @@ namespace {
 
 constexpr std::size_t kLongestFrame = 2016;
 
-/// A file that has a path and no place on a disk.
+/// A file that has a path but is not on a disk.
 class MemoryFile {
  public:
   MemoryFile() : fd_(memfd_create("capture", MFD_CLOEXEC)) {}

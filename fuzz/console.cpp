@@ -1,7 +1,7 @@
 // Any bytes typed at the whole monitor, on a model with any faults.
 //
 // An input begins with a byte that gives the number of faults, two bytes for each of them (the
-// engine and what is wrong with it), and goes on with what is typed.
+// engine and what is wrong with it), and continues with what is typed.
 #include <csetjmp>
 #include <memory>
 

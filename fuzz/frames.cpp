@@ -1,7 +1,7 @@
 // Frames from outside into the packet service, on a model with any faults.
 //
-// An input is a row of steps; each begins with a byte that says what happens and goes on with its
-// operands. Without faults, whatever came in, every receive buffer is free again in the end.
+// An input is a series of steps; each begins with a byte that says what happens and continues with
+// its operands. Without faults, whatever came in, every receive buffer is free again at the end.
 #include <cstdlib>
 #include <memory>
 #include <vector>

@@ -17,7 +17,7 @@ class Input {
 
   [[nodiscard]] bool Empty() const { return rest_.empty(); }
 
-  /// The next byte; 0 behind the end.
+  /// The next byte; 0 after the end.
   std::uint8_t Byte() {
     const auto byte = Bytes(1);
     return byte.empty() ? std::uint8_t{0} : byte.front();

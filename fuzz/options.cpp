@@ -1,4 +1,4 @@
-// Any words as the command line of the board, one a line. They are understood or refused as a
+// Any words as the command line of the board, one per line. They are understood or refused as a
 // wrong command line; the faults that they name are set.
 #include "virtual_board/options.h"
 

@@ -8,7 +8,7 @@
 
 namespace {
 
-/// Loads everything once, so that whatever an operation does at its end happens.
+/// Loads everything once, so that every running operation completes.
 void LoadWindow(chip::RouterChip& chip) {
   for (unsigned round = 0; round < 2; ++round) {
     for (std::uint32_t offset = 0; offset < chip::RegisterFile::kSize; ++offset) {

@@ -4,8 +4,8 @@
 
 namespace board {
 
-/// While it lives, a reader of a file that went away is an error of writing like any other, and
-/// not the end of the program.
+/// While it lives, writing to a pipe whose reader has gone is a write error like any other and does
+/// not end the program.
 class BrokenPipeIsError {
  public:
   BrokenPipeIsError() {

@@ -13,8 +13,8 @@
 namespace board {
 namespace {
 
-/// On a terminal that takes output as it is, a line needs its carriage return, and the cursor
-/// may stand behind a prompt.
+/// On a terminal in raw mode a line needs a carriage return, and the cursor may be after a
+/// prompt.
 bool OnRawTerminal() {
   termios mode{};
   return tcgetattr(STDERR_FILENO, &mode) == 0 && (mode.c_oflag & OPOST) == 0;

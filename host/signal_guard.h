@@ -2,9 +2,9 @@
 
 namespace board {
 
-/// Puts something right when a signal ends the program, a crash included; the program then dies
-/// of that signal, so that its exit status tells. A signal that was ignored stays ignored. Guards
-/// are destroyed in the reverse order of their making.
+/// Cleans something up when a signal, including that of a crash, ends the program; the program then
+/// dies of that signal, so that its exit status shows it. A signal that was ignored stays ignored.
+/// Guards are destroyed in the reverse order of their construction.
 class SignalGuard {
  public:
   /// Called in a signal handler: only calls that are safe there.

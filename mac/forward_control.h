@@ -1,5 +1,5 @@
 // The chip-wide forwarding switches, PPP mode and MTU: one record that is read and written whole.
-// It is gathered from registers that others share, so a write changes them bit by bit. The
+// It is gathered from registers shared with other blocks, so a write changes them bit by bit. The
 // commands `ctrl` and `frame` use it.
 #pragma once
 

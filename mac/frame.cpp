@@ -20,8 +20,8 @@ constexpr int kTransmitDelayLoads = 99;
 constexpr unsigned kStatusPause = 5;
 constexpr unsigned kReleasePause = 100;
 
-/// Transmit buffers in use, handle h in bit h - 1. Nothing sets a bit: the chip's count of uses
-/// tells which buffers are free.
+/// Transmit buffers in use, handle h in bit h - 1. Nothing sets a bit: the chip's use count
+/// shows which buffers are free.
 std::uint16_t g_transmit_busy = 0;
 
 constexpr std::uint32_t MemoryAddress(std::uint16_t base) { return std::uint32_t{base} << 16; }

@@ -33,17 +33,17 @@ DriverStatus WriteBufferBase(std::uint16_t base);
 
 /// Sends the frame from its buffer to `port` (a code) in `service_class` 0 to 3, and returns
 /// when the chip has queued it. kRefused, with nothing touched, for a bad class or port;
-/// kNotReady when the memory cannot be reached. The handle is not checked.
+/// kNotReady when the memory cannot be mapped. The handle is not checked.
 [[nodiscard]] DriverStatus TransmitFrame(std::uint8_t port, std::uint8_t service_class, bool high,
                                          std::uint32_t data, std::uint16_t length);
 
 /// Takes the oldest waiting frame; it stays in its buffer until FreeFrameBuffer, and the caller
 /// acknowledges the interrupt status. kNothing when none waits; kNotReady when the memory cannot
-/// be reached.
+/// be mapped.
 [[nodiscard]] DriverStatus ReceiveFrame(ReceivedFrame& frame);
 
 /// Counts the outstanding uses of the buffer. The monitor's own hold on a transmit buffer does
-/// not count: one is taken off, so that 0 becomes 255. kRefused for handle 0.
+/// not count: one is subtracted, so that 0 becomes 255. kRefused for handle 0.
 [[nodiscard]] DriverStatus TxBufferStatus(std::uint32_t data, std::uint8_t& count);
 
 /// The transmit handle that AllocTxBuffer tries next; one past the last (16) after a failure.
@@ -53,7 +53,7 @@ extern std::uint8_t TransmitCursor;
 /// last one tried.
 [[nodiscard]] DriverStatus AllocTxBuffer(std::uint32_t& data);
 
-/// Gives the buffer back; for transmit buffers the chip has nothing to do. kRefused for handle 0.
+/// Releases the buffer; for transmit buffers the chip has nothing to do. kRefused for handle 0.
 DriverStatus FreeFrameBuffer(std::uint32_t data);
 
 /// The `frame` command.

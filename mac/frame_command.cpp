@@ -41,7 +41,7 @@ int ShowSettings() {
   return kDone;
 }
 
-/// f|d [enable|disable]: the record is read twice also when it is only shown.
+/// f|d [enable|disable]: the record is read twice even when it is only shown.
 int SwitchFlag(int argc, ArgVector argv, const Flag& flag) {
   if (argc > 3) return kUsage;
   ForwardControl control;

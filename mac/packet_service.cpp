@@ -39,7 +39,7 @@ constexpr Bytes<4> NetworkOrder(std::uint32_t address) {
           static_cast<std::uint8_t>(address >> 8), static_cast<std::uint8_t>(address)};
 }
 
-/// The frame goes back from its receive buffer; whether it could be sent makes no difference.
+/// The reply is sent from the receive buffer; whether that succeeds makes no difference.
 void AnswerArp(const ReceivedFrame& frame) {
   if (Failed(BuildArpReply(frame.port, frame.data))) return;
   Print("\n\reply ARP packet\n\r");

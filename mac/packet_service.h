@@ -1,4 +1,4 @@
-// Serves frames that the chip hands to the CPU, one a pass of the shell loop: answers ARP
+// Serves frames that the chip hands to the CPU, one per pass of the shell loop: answers ARP
 // requests, and prints the frames or forwards them out of WAN.
 #pragma once
 
@@ -22,7 +22,7 @@ extern std::uint16_t ArpAutoReply;
 /// True when either setting asks for the service.
 [[nodiscard]] bool PacketServiceOn();
 
-/// Serves at most one received frame; false when none was waiting. Does nothing, without a bus
+/// Serves at most one received frame; false when none was waiting. Does nothing, and makes no bus
 /// access, while neither setting asks for it.
 bool PacketService();
 

@@ -61,7 +61,7 @@ DriverStatus WriteSwitch(Reg8 control, Field field, std::uint8_t value) {
   return DriverStatus::kOk;
 }
 
-/// Makes the PHY advertise pause. One that cannot be read is taken to advertise nothing else.
+/// Makes the PHY advertise pause. One that cannot be read is assumed to advertise nothing else.
 void AdvertisePause(std::uint8_t phy) {
   std::uint16_t abilities = 0;
   (void)MiiRead(phy, kPhyAdvertisement, abilities);
@@ -76,7 +76,7 @@ DriverStatus WriteFields(const PortRow& row, const PortConfig& config) {
       Failed(WriteSwitch(row.control, kMacSpeed100, config.speed))) {
     return DriverStatus::kRefused;
   }
-  // Nothing else is ever stored: the other values leave both bits as they are.
+  // Nothing else is ever stored: the other values leave both bits unchanged.
   if (config.flow_control == kFlowControlFc) {
     Modify(row.control, kMacFlowControl.Mask(), static_cast<std::uint8_t>(~kMacAfc.Mask()));
   }

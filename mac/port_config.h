@@ -1,6 +1,6 @@
 // Configuration of the three MAC ports: link, speed, duplex, interface type, loopback, flow
 // control and VLAN awareness. What surprises: loopback bits are only ever added, so a port that
-// goes from one kind of loopback straight to the other cannot be read any more until loopback is
+// goes from one kind of loopback straight to the other can no longer be read until loopback is
 // switched off; flow control can be switched on but never to automatic or off; and every write
 // makes the port's PHY advertise pause.
 #pragma once
@@ -33,12 +33,12 @@ struct PortConfig {
   std::uint8_t flow_control;
   std::uint8_t interface;
   std::uint8_t loopback;
-  std::uint8_t vlan_aware;  ///< 0 or 1; a write takes any other value for 1.
+  std::uint8_t vlan_aware;  ///< 0 or 1; any other value counts as 1 in a write.
 };
 
 /// Configures a port (kPortWan, kPortLan or kPortDmz) and its PHY, whose answers are ignored.
 /// Only an `interface` is cut to its field. kRefused for another port, with nothing touched, and
-/// for a bad loopback, link, duplex or speed, with what comes before it already written.
+/// for a bad loopback, link, duplex or speed, with everything before it already written.
 [[nodiscard]] DriverStatus WritePortConfig(std::uint8_t port, const PortConfig& config);
 
 /// kRefused for another port, and for a port with both loopback bits set, of which only the

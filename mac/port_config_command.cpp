@@ -19,7 +19,7 @@ constexpr std::array<Keyword, 2> kFlowControlWords{
     {{"FC", kFlowControlFc}, {"AFC", kFlowControlAfc}}};
 constexpr std::array<Keyword, 1> kVlanWords{{{"VLAN", 1}}};
 
-// Texts by value. What has no name prints as nothing.
+// Texts by value. A value without a name prints as nothing.
 constexpr const char* kInterfaceTexts[] = {"SERIAL", "", "MII", "RMII"};
 constexpr const char* kLoopbackTexts[] = {"INTERNAL", "EXTERNAL", "NO"};
 constexpr const char* kFlowControlTexts[] = {"FC", "AFC", "OFF"};

@@ -32,7 +32,7 @@ DriverStatus ReadGroup(std::uint8_t port_selector, unsigned group) {
   return RunEngine(kReadStep);
 }
 
-/// Clears the group. Word A is given what word B then holds.
+/// Clears the group. Word A receives what word B then holds.
 DriverStatus ClearGroup(std::uint8_t port_selector, unsigned group) {
   Select(port_selector, group);
   Write(kStatWordB, 0);

@@ -1,6 +1,7 @@
 // Statistic counters: 28 for each of the three external ports, with an overflow bit each. They
-// are kept in eight groups a port, packed into two words a group, behind a selector, data
-// registers and a command byte. The engine reports no result: a finished step counts as success.
+// are kept in eight groups per port, packed into two words per group, and accessed through a
+// selector, data registers and a command byte. The engine reports no result: a finished step
+// counts as success.
 #pragma once
 
 #include "console/command.h"

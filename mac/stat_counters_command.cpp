@@ -16,7 +16,7 @@ bool ParseCounter(const char* word, unsigned& index) {
   return false;
 }
 
-/// Two counters stand on a line.
+/// Counters are printed two per line.
 bool EndsLine(unsigned index) { return index % 2 != 0; }
 
 bool BitOf(std::uint32_t mask, unsigned index) { return (mask >> index & 1) != 0; }
@@ -68,7 +68,7 @@ int ShowOverflow(std::uint8_t port) {
   return kDone;
 }
 
-/// o <port> <counter>: the answer stands without a line end.
+/// o <port> <counter>: the answer has no line end.
 int ShowOverflowOf(std::uint8_t port, const char* word) {
   unsigned index;
   std::uint32_t mask;

@@ -36,8 +36,8 @@ inline constexpr unsigned kStatGroups = 8;
 
 enum class StatWord : std::uint8_t { kA, kB };
 
-/// Where a counter is kept: the group, the word, and in that word `width` bits from byte
-/// `first_byte` on, byte 0 being the most significant.
+/// Where a counter is kept: the group, the word, and in that word `width` bits starting at
+/// byte `first_byte`, byte 0 being the most significant.
 struct StatCounterRow {
   const char* name;
   unsigned group;

@@ -28,7 +28,7 @@ int ShowAll() {
   return kDone;
 }
 
-/// m cpu|wan <MAC addr>: the answer stands without a line end.
+/// m cpu|wan <MAC addr>: the answer has no line end.
 int SetMac(ArgVector argv) {
   std::uint8_t port;
   MacAddress mac;

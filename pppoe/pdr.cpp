@@ -19,7 +19,7 @@ void SelectEntry(unsigned index) { Write(kPdrIndex, static_cast<std::uint8_t>(in
 DriverStatus PdrRead(unsigned index, PdrEntry& entry) {
   if (index >= kPdrEntries) return DriverStatus::kRefused;
   SelectEntry(index);
-  // This one read starts the engine without asking whether it is ready.
+  // This read alone starts the engine without checking that it is ready.
   PulseEngine(kReadEntry);
   const DriverStatus status = AwaitEngine(kReadEntry);
   if (Failed(status)) return status;

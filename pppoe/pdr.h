@@ -17,7 +17,7 @@ struct PdrEntry {
 
 // kRefused, with nothing touched, for an index above 63.
 
-/// Does not ask whether the engine is busy; kNotReady only when the operator ends the wait.
+/// Does not check whether the engine is busy; kNotReady only when the operator ends the wait.
 [[nodiscard]] DriverStatus PdrRead(unsigned index, PdrEntry& entry);
 
 /// kNotReady when the engine is busy.

@@ -1,5 +1,6 @@
-// The PPPoE session table (pst): four entries, each binding an address to a session, behind a
-// window of one entry and a command byte. The index shares a register with the entry's switches.
+// The PPPoE session table (pst): four entries, each binding an address to a session, accessed
+// through a window of one entry and a command byte. The index shares a register with the entry's
+// switches.
 #pragma once
 
 #include "console/command.h"

@@ -9,11 +9,11 @@ constexpr char kReadFailed[] = "PST Read failed\n\r";
 /// A form that does something to a range of entries and shows each of them.
 struct RangeForm {
   DriverStatus (*operation)(unsigned index);
-  unsigned end;  ///< The range ends quietly in front of this index.
+  unsigned end;  ///< The range ends quietly before this index.
   const char* failed;
 };
 
-/// A delete goes on past the last entry, where the driver refuses.
+/// A delete continues past the last entry, where the driver refuses.
 constexpr RangeForm kDelete{PstDelete, 64, "PST Delete failed\n\r"};
 constexpr RangeForm kClear{PstClear, kPstEntries, "PST Clear failed\n\r"};
 

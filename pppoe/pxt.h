@@ -1,5 +1,6 @@
-// The PXT table: four entries, each pairing an internal PPPoE side with an external one, behind a
-// window of one entry and a command byte. The index shares a register with port and valid bit.
+// The PXT table: four entries, each pairing an internal PPPoE side with an external one, accessed
+// through a window of one entry and a command byte. The index shares a register with port and valid
+// bit.
 #pragma once
 
 #include "console/command.h"

@@ -6,7 +6,7 @@ namespace {
 
 constexpr char kReadFailed[] = "PXT Read failed\n\r";
 
-/// A delete goes on past the last entry, where the driver refuses.
+/// A delete continues past the last entry, where the driver refuses.
 constexpr unsigned kDeleteEnd = 64;
 
 bool ParseIndex(const char* word, std::uint8_t& index) {

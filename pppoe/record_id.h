@@ -1,10 +1,10 @@
-// Session and VLAN IDs as they lie in the records of the pst and pxt tables: two bytes.
+// Session and VLAN IDs as stored in the records of the pst and pxt tables: two bytes.
 //
 // Reads and writes of these tables disagree about them. A read leaves an ID as a number of the
-// chip's little-endian processor, low byte first. A write sends the two bytes as they lie, and
-// the register's first byte is its high one. So a command that fills a record high byte first
-// writes what was typed, while a record that was read and is written again exchanges the bytes of
-// its IDs in the hardware. Bytes say this alike on hosts of either byte order.
+// chip's little-endian processor, low byte first. A write sends the two bytes as they are stored,
+// and the register's first byte is its high one. So a command that fills a record high byte first
+// writes what was typed, while a record that was read and is written again swaps the bytes of its
+// IDs in the hardware. Storing bytes makes this the same on hosts of either byte order.
 #pragma once
 
 #include <array>

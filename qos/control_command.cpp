@@ -32,7 +32,7 @@ constexpr std::array<Keyword, 3> kPppWords{{{"PROXY", 0}, {"ROUTING", 1}, {"IP",
 constexpr const char* kPppTexts[] = {"PPPoE proxy\n\r", "PPPoE routing\n\r", "IP routing\n\r",
                                      "Not allowed\n\r"};
 
-/// Writes the record and fills it with what the hardware then holds.
+/// Writes the record, then reads it back from the hardware.
 bool Exchange(ForwardControl& control) {
   return !Failed(WriteForwardControl(control)) && !Failed(ReadForwardControl(control));
 }

@@ -72,8 +72,8 @@ int ShowQueue(ArgVector argv) {
   return kDone;
 }
 
-/// [red] [<no_buf>]: a word that is neither is tried again for ever; false when the operator has
-/// ended that.
+/// [red] [<no_buf>]: a word that is neither is retried forever; false when the operator has ended
+/// that.
 bool TakeSystemWord(const char* word, SystemQos& qos) {
   if (WordIs(word, "RED")) {
     qos.redEnable = 1;

@@ -14,7 +14,7 @@ struct RateControl {
   std::uint8_t enable;  ///< 0 or 1.
 };
 
-// Both are always kOk. The queue is not checked: one above 3 names what lies behind the four.
+// Both are always kOk. The queue is not checked: one above 3 addresses what follows the four.
 
 DriverStatus WriteRateControl(std::uint8_t queue, const RateControl& rate);
 DriverStatus ReadRateControl(std::uint8_t queue, RateControl& rate);

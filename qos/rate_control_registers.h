@@ -15,7 +15,7 @@ inline constexpr Field kRateBucketSize{14, 0, "cbs", "committed bucket size"};
   return {static_cast<std::uint16_t>(reg.offset + 4 * queue), reg.name, reg.meaning};
 }
 
-/// The register under a name of its own.
+/// The register under its own name.
 [[nodiscard]] constexpr Reg16 Named(const char* name, Reg16 reg) {
   return {reg.offset, name, reg.meaning};
 }

@@ -16,11 +16,11 @@ struct CommandEntry {
 inline constexpr int kCommandRows = 111;
 extern const std::array<CommandEntry, kCommandRows> CommandTable;
 
-/// 0 when the typed word is the table name in any case, else -1. Turns the typed word to lower
-/// case in place, as far as the comparison went.
+/// 0 when the typed word is the table name in any case, otherwise -1. Converts the typed word to
+/// lower case in place, as far as the comparison went.
 int CommandNameMatch(char* typed, const char* name);
 
-/// The handler of `help`: without arguments the distinct command names, six a line; with one,
+/// The handler of `help`: without arguments the distinct command names, six per line; with one,
 /// the usage rows of that command.
 int Help(int argc, ArgVector argv);
 

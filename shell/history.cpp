@@ -68,7 +68,7 @@ int HistoryOlder(char* buffer) {
 
 int HistoryNewer(char* buffer) {
   if (g_tail == nullptr) return 0;
-  // The cursor stands one line beyond the shown one, so the line to show is two lines newer;
+  // The cursor is one line beyond the shown one, so the line to show is two lines newer;
   // past the oldest line the shown one is the tail itself.
   Node* const shown = g_cursor != nullptr ? g_cursor->prev : g_tail;
   if (shown == nullptr || shown->prev == nullptr) {

@@ -1,4 +1,4 @@
-// The last eight entered lines, newest first, and the place where the Up and Down keys stand.
+// The last eight entered lines, newest first, and the position of the Up and Down keys.
 #pragma once
 
 #include <cstddef>
@@ -11,13 +11,13 @@ inline constexpr int kHistoryTextSize = 256;
 /// Forgets every line.
 void HistoryInit();
 
-/// Enters a line of `length` characters, at most 255, that a NUL follows. The oldest line gives
-/// way when eight are held; an empty line is not entered. The next Up shows this line.
+/// Enters a line of `length` characters, at most 255, followed by a NUL. When eight are held, it
+/// replaces the oldest; an empty line is not entered. The next Up shows this line.
 void HistoryAdd(const char* line, int length);
 
 /// Up key: copies the line at the cursor to `buffer` and moves on to the older one; past the
-/// oldest line it stays there. The text's length, 0 when there is nothing to show. A text ends
-/// at its first NUL, which is not copied.
+/// oldest line it stays there. Returns the text's length, 0 when there is nothing to show. A text
+/// ends at its first NUL, which is not copied.
 int HistoryOlder(char* buffer);
 
 /// Down key: copies the line after the one that Up showed last. At the newest line the cursor

@@ -47,7 +47,7 @@ void EraseLast() {
 }
 
 /// The next character of an escape sequence, or -1 when none comes in 200 reads. Each read that
-/// finds nothing gives a slow serial line a tenth of a millisecond.
+/// finds nothing allows a slow serial line a tenth of a millisecond.
 int ReadSequenceChar() {
   constexpr int kReads = 200;
   constexpr long kMicrosecondsBetweenReads = 100;

@@ -19,7 +19,7 @@ constexpr char kPrompt[] = "\n\rDebug>> ";
 constexpr char kInvalidCommand[] = "Invalid Command\n\r";
 constexpr char kNoCommand[] = "No command found\n\r";
 
-/// The word slots, one behind the other, and the terminator of a last word that fills its slot.
+/// The word slots, one after the other, and the terminator of a last word that fills its slot.
 char g_words[kMaxWords * kWordSize + 1];
 char* g_argv[kMaxWords];
 
@@ -67,8 +67,8 @@ void CollectLine(ShellWatch watch) {
     const bool typed = LineEditorPoll();
     const bool served = ServePackets(watch);
     if (LineReady != 0) return;
-    // A script that waits goes on at once and its output in large pieces; an operator's echo and
-    // the frames printed meanwhile go out although nothing makes the loop sleep.
+    // Waiting script input is taken at once and its output leaves in large pieces; an operator's
+    // echo and the frames printed meanwhile go out although nothing makes the loop sleep.
     if (!typed) ConsoleFlush();
     if (typed || served) {
       idle.Restart();
@@ -85,7 +85,7 @@ const CommandEntry* FindCommand(char* word) {
   return nullptr;
 }
 
-/// Beside the results of a CommandHandler: the line was `exit`.
+/// In addition to the results of a CommandHandler: the line was `exit`.
 constexpr int kExit = 2;
 
 int RunCommand(const CommandEntry& row, int argc) {
@@ -95,7 +95,7 @@ int RunCommand(const CommandEntry& row, int argc) {
     std::strcpy(g_argv[1], g_argv[0]);  // NOLINT: a command word fits its slot
     Help(2, g_argv);
   }
-  // Should the next command fault, this one's answer has been seen.
+  // Should the next command crash, this one's answer has been seen.
   ConsoleFlush();
   return result;
 }

@@ -16,7 +16,7 @@ constexpr char ToUpper(char c) {
   return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
 }
 
-/// Copies the word at `text` to `slot` and moves `text` behind it. False, with the slot full
+/// Copies the word at `text` to `slot` and moves `text` past it. False, with the slot full
 /// and not terminated, when the word is too long.
 bool TakeWord(const char*& text, const char* end, char* slot, int slot_size) {
   int length = 0;

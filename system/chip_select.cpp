@@ -82,7 +82,7 @@ constexpr char kWriteFailed[] = "CS Write failed\n\r";
 constexpr std::array<Keyword, 2> kPlainWords{{{"0", 0}, {"1", 1}}};
 constexpr std::array<Keyword, 3> kWaitWords{{{"3", 3}, {"4", 4}, {"5", 5}}};
 
-// The numbers that the printers are given exist, so their reads do not fail.
+// The printers are only given numbers that exist, so their reads do not fail.
 
 int ShowPlain(unsigned number) {
   ChipSelect cs{};
@@ -108,7 +108,7 @@ int ShowAlternative() {
   return kDone;
 }
 
-/// 0|a|1|3|4|5: of the word only the first character counts.
+/// 0|a|1|3|4|5: only the first character of the word counts.
 int Show(ArgVector argv) {
   const char first[] = {argv[1][0], '\0'};
   std::uint8_t number;
@@ -152,7 +152,7 @@ int SetWithWait(ArgVector argv) {
   return ShowWithWait(number);
 }
 
-// What the codes 0 of the SDRAM type stand for.
+// What code 0 means in each field of the SDRAM type.
 constexpr unsigned kFirstChipSelect = 1;
 constexpr unsigned kFirstColumn = 8;
 constexpr unsigned kFirstRow = 11;

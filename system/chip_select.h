@@ -1,7 +1,7 @@
 // The memory controller: what the chip selects decode, and the geometry of the SDRAM.
 //
-// Chip selects 0 and 1 have a start and a mask size, 3 to 5 wait states beside them, and number 6,
-// the alternative region, a start only. There is no number 2.
+// Chip selects 0 and 1 have a start and a mask size, 3 to 5 also have wait states, and number 6,
+// the alternative region, has only a start. There is no number 2.
 #pragma once
 
 #include "console/command.h"

@@ -1,4 +1,4 @@
-// The eight general-purpose pins: levels, interrupt status and configuration, one bit a pin.
+// The eight general-purpose pins: levels, interrupt status and configuration, one bit per pin.
 #pragma once
 
 #include "console/command.h"

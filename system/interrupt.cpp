@@ -40,7 +40,7 @@ DriverStatus IntMaskWrite(std::uint16_t value) {
 
 namespace {
 
-/// A register as the command knows it.
+/// A register as the command sees it.
 struct Selection {
   const char* word;
   const char* label;

@@ -12,7 +12,7 @@ namespace monitor {
 /// The event of a received frame, as a status value.
 inline constexpr std::uint16_t kFrameReceivedEvent = 0x0010;
 
-// All operations: always kOk. Reads put each value together from two loads of its register.
+// All operations: always kOk. Reads assemble each value from two loads of its register.
 DriverStatus IntStatusRead(std::uint16_t& value);
 DriverStatus IntGroupRead(std::uint16_t& value);
 DriverStatus IntMaskRead(std::uint16_t& value);

@@ -17,14 +17,14 @@ constexpr bool InRange(std::uint8_t phy, std::uint8_t reg) {
   return phy < kMiiAddresses && reg < kMiiAddresses;
 }
 
-/// One look at the status: of its two loads the first counts.
+/// Polls the status once: of the two loads the first counts.
 bool StatusHas(std::uint16_t bits) {
   const std::uint16_t status = Read(kMiiCommand);
   (void)Read(kMiiCommand);
   return (status & bits) == bits;
 }
 
-/// Looks at the status until it has the bits, 10,001 times at most.
+/// Polls the status until it has the bits, 10,001 times at most.
 bool AwaitStatus(std::uint16_t bits) {
   if (StatusHas(bits)) return true;
   for (unsigned look = 0; look < kFurtherLooks; ++look) {

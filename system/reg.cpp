@@ -28,14 +28,14 @@ void FetchProcess(std::uint32_t address, std::uint8_t* bytes, unsigned count) {
 constexpr ByteSpace kWindow{.store = StoreWindow, .fetch = FetchWindow};
 constexpr ByteSpace kProcess{.store = StoreProcess, .fetch = FetchProcess};
 
-/// What the words behind the command word ask for.
+/// What the words after the command word ask for.
 struct Request {
   std::uint32_t start = 0;
   std::uint32_t count = 1;
   int first_value = 0;  ///< Index of the first value word; 0 in the dump forms.
 };
 
-/// Parses everything but the values.
+/// Parses everything except the values.
 bool ParseRequest(int argc, ArgVector argv, Request& request) {
   if (argc < 2 || !ParseHex32(argv[1], request.start)) return false;
   if (argc == 2) return true;

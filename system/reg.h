@@ -8,7 +8,7 @@ namespace monitor {
 
 /// `reg <reg> [<bytes>] [= <values>]`: stores bytes, in increasing order, and dumps what reads
 /// back. A range that leaves the window is refused with nothing touched; a value that does not
-/// parse ends the storing after the values before it.
+/// parse stops the stores; the values before it have been stored.
 int RegCommand(int argc, ArgVector argv);
 
 /// `<address> [<bytes>]`: dumps memory of this process.

@@ -65,7 +65,7 @@ DriverStatus ChipIdRead(std::uint8_t& revision, std::uint16_t& model) {
 }
 
 int ConsoleDrain() {
-  // The serial port itself lies outside the window; what the monitor can do is hold nothing back.
+  // The serial port itself is outside the window; all the monitor can do is hold nothing back.
   ConsoleFlush();
   return 1;
 }
@@ -104,7 +104,7 @@ int CpuAndChipSelect() {
   return kDone;
 }
 
-/// A digit's character; 10 to 15 give the six characters behind "9".
+/// A digit's character; 10 to 15 give the six characters after "9".
 char DigitCharacter(unsigned digit) { return static_cast<char>('0' + digit); }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// The chip's reset bits and its identity. A reset is a pulse; the chip raises a done bit when it is
+// The chip's reset bits and its identity. A reset is a pulse; the chip sets a done bit when it is
 // up again.
 #pragma once
 
@@ -7,7 +7,7 @@
 
 namespace monitor {
 
-// Each waits for the done bit with the lock held. kRefused, not kNotReady, when it does not rise
+// Each waits for the done bit with the lock held. kRefused, not kNotReady, when it is not set
 // within 10,001 loads.
 
 /// Resets the whole chip, then runs the sequence that has to follow, a million loads long.
@@ -15,16 +15,16 @@ DriverStatus ResetHardware();
 DriverStatus ResetCpu();
 DriverStatus ResetCpuAndChipSelect();
 
-/// `done` becomes 1 when the done bit is set, else 0. Always kOk.
+/// `done` becomes 1 when the done bit is set, otherwise 0. Always kOk.
 DriverStatus ResetDoneRead(std::uint8_t& done);
 
-/// The model number has four decimal digits, one a nibble. Always kOk.
+/// The model number has four decimal digits, one per nibble. Always kOk.
 DriverStatus ChipIdRead(std::uint8_t& revision, std::uint16_t& model);
 
-/// Lets everything printed leave the monitor, as a reset may take the console down. Always 1.
+/// Flushes everything printed, as a reset may take the console down. Always returns 1.
 int ConsoleDrain();
 
-/// The `reset` command. It does not look at the results of the resets: operators check with a plain
+/// The `reset` command. It ignores the results of the resets: operators check with a plain
 /// `reset` afterwards.
 int ResetCommand(int argc, ArgVector argv);
 

@@ -10,7 +10,8 @@ inline constexpr Field kResetCpuAndChipSelect{4, 4, "cpucs", "CPU and chip selec
 inline constexpr Field kResetDone{2, 2, "done", "the chip is up again (read)"};
 inline constexpr Field kResetHardware{0, 0, "hw", "the whole chip"};
 inline constexpr Reg8 kChipRevision{0x101, "CHIP_REVISION", "revision number"};
-inline constexpr Reg16 kChipModel{0x102, "CHIP_MODEL", "model, four decimal digits, one a nibble"};
+inline constexpr Reg16 kChipModel{0x102, "CHIP_MODEL",
+                                  "model, four decimal digits, one per nibble"};
 
 // Four registers of which no more is known than what a hardware reset has to be followed by.
 inline constexpr Reg8 kAfterReset240{0x240, "AFTER_RESET_240", "bits 7 and 6 are set, first"};

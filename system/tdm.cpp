@@ -23,7 +23,7 @@ DriverStatus TdmConfigWrite(std::uint16_t on_timer, std::uint16_t off_timer, std
 
 DriverStatus TdmEnable(std::uint8_t on) {
   if (on != 0) {
-    // The whole byte: what stood above the enable is cleared.
+    // The whole byte: the bits above the enable are cleared.
     Write(kTdmInterface, kTdmInterfaceOn.Mask());
     SetBits(kTdmControl, kTdmEnabled);
   } else {

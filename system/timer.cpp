@@ -95,7 +95,7 @@ int ShowAll() {
   return kDone;
 }
 
-/// 0|1 p|s|r|t: the answer stands without a line end.
+/// 0|1 p|s|r|t: the answer has no line end.
 int Act(ArgVector argv) {
   std::uint8_t timer;
   if (!ParseKeyword(argv[1], kTimerWords, timer)) return kUsage;

@@ -9,7 +9,7 @@ namespace monitor {
 
 inline constexpr unsigned kTimers = 2;
 
-// All operations: kRefused, with nothing touched, for a timer above 1, else kOk.
+// All operations: kRefused, with nothing touched, for a timer above 1, otherwise kOk.
 
 DriverStatus TimerCounterRead(unsigned timer, std::uint16_t& counter);
 DriverStatus TimerConfigRead(unsigned timer, std::uint16_t& load, std::uint16_t& divisor);
@@ -27,7 +27,7 @@ DriverStatus TimerPause(unsigned timer);
 /// Starts the timer and drives every general-purpose pin high.
 DriverStatus TimerTest(unsigned timer);
 
-/// The `timer` command. It knows one action more than its usage rows: "t" for the test.
+/// The `timer` command. It accepts one action that its usage rows do not show: "t" for the test.
 int TimerCommand(int argc, ArgVector argv);
 
 }  // namespace monitor

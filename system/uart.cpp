@@ -98,7 +98,7 @@ int Show() {
   return kDone;
 }
 
-/// <register> = <value>: MCR is accepted, refused by the driver, and nobody is told.
+/// <register> = <value>: MCR is accepted here, then refused by the driver without a message.
 int WriteRegister(ArgVector argv) {
   std::uint8_t code;
   std::uint8_t value;

@@ -1,5 +1,5 @@
 // The chip's UART: eight-bit registers of the 16550 family. Three offsets hold two or three
-// registers each, told apart by the direction of the access and by the divisor-latch-access bit
+// registers each, distinguished by the direction of the access and by the divisor-latch-access bit
 // of the line control register; the drivers name registers by code. The modem control register
 // can be read but not written.
 #pragma once

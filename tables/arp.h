@@ -1,6 +1,6 @@
-// The ARP table: 64 slots behind an index, data registers and a command byte, each binding an
-// IPv4 address to a MAC address. The chip sets a reference bit when it uses an entry. Filter
-// switch: bit 7 of the filter control byte.
+// The ARP table: 64 slots, each binding an IPv4 address to a MAC address, accessed through an
+// index, data registers and a command byte. The chip sets a reference bit when it uses an entry.
+// Filter switch: bit 7 of the filter control byte.
 #pragma once
 
 #include "console/command.h"

@@ -70,7 +70,7 @@ int ClearReferenceOf(unsigned index) {
   return ShowReferenceOf(index);
 }
 
-/// r [<index>] [=], r = <clear>: words behind <index> = do no harm.
+/// r [<index>] [=], r = <clear>: words after <index> = are ignored.
 int Reference(int argc, ArgVector argv) {
   if (argc == 2) return ShowReferences();
   if (WordIs(argv[2], "=")) {

@@ -61,7 +61,7 @@ DriverStatus L3Write(unsigned index, const L3Route& route) {
   const unsigned direct = route.direct != 0 ? kRouteDirect.Mask() : 0U;
   const unsigned wan_mac = route.wanMac != 0 ? kRouteWanMac.Mask() : 0U;
   Write(kRouteFlags, static_cast<std::uint8_t>(route.port | direct | wan_mac | kRouteValid.Mask()));
-  // Neither value is cut to its field: what does not fit runs into the neighbouring bits.
+  // Neither value is cut to its field: excess bits overflow into the neighbouring ones.
   Write(kRouteEncapsulation, static_cast<std::uint8_t>(route.pppoe | route.session << 1));
   return RunEngineUnlocking(kWriteRoute, lock);
 }

@@ -1,6 +1,6 @@
-// Layer-3 routes: 64 slots behind an index, data registers and a command byte. Each slot has a
-// 32-bit counter; one map tells which counters have overflowed. The engine reports no result: a
-// finished step counts as success. Filter switch: bit 6 of the filter control byte.
+// Layer-3 routes: 64 slots accessed through an index, data registers and a command byte. Each slot
+// has a 32-bit counter; one map shows which counters have overflowed. The engine reports no result:
+// a finished step counts as success. Filter switch: bit 6 of the filter control byte.
 #pragma once
 
 #include "console/command.h"

@@ -122,7 +122,7 @@ int ClearAllOverflow() {
   return kDone;
 }
 
-/// o <index>: the answer stands without a line end.
+/// o <index>: the answer has no line end.
 int ShowOverflowOf(unsigned index) {
   EntryMap map;
   if (Failed(L3CheckOverflow(map))) return Fail(kCheckFailed);

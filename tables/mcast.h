@@ -1,6 +1,6 @@
-// Multicast groups: 64 slots behind an engine like that of the L3 routes, each a group address
-// and its member ports, with a 32-bit counter and an overflow bit. Flood control: bit 3 of the
-// filter control byte.
+// Multicast groups: 64 slots accessed through an engine like that of the L3 routes, each a group
+// address and its member ports, with a 32-bit counter and an overflow bit. Flood control: bit 3 of
+// the filter control byte.
 #pragma once
 
 #include "console/command.h"

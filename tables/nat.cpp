@@ -31,7 +31,7 @@ constexpr std::uint8_t TableSelect(NatTable table) {
   return kNatServerTable.Put(table == NatTable::kServer ? 1 : 0);
 }
 
-/// What the result bit says: one load.
+/// The result bit: one load.
 DriverStatus StepResult() {
   return kNatResult.Get(Read(kNatCommand)) != 0 ? DriverStatus::kOk : DriverStatus::kRefused;
 }
@@ -48,7 +48,7 @@ std::uint8_t LoadValid(NatTable table, unsigned slot) {
   return Read(bits) >> (slot % 8) & 1;
 }
 
-/// Fills the entry from the registers, where a read step of slot `index` has left it.
+/// Fills the entry from the registers, where a read step of slot `index` left it.
 void LoadEntry(NatTable table, NatEntry& entry) {
   entry.sip = Read(kNatSip);
   entry.dip = Read(kNatDip);

@@ -1,6 +1,6 @@
-// NAT entries. The main table has 256 slots, reached by index or through a hash of the
+// NAT entries. The main table has 256 slots, accessed by index or through a hash of the
 // destination: a home slot below 0x80, then the 32 slots of one of four overflow groups. The
-// server table has 16 slots, reached by index. Unlike the other engines this one reports a
+// server table has 16 slots, accessed by index. Unlike the other engines this one reports a
 // result, and a write is refused when another entry holds the slot.
 #pragma once
 
@@ -27,7 +27,7 @@ struct NatEntry {
   std::uint8_t valid;   ///< 0 or 1; filled by reads.
 };
 
-/// The table that an operation by index works on. By hash it is the main table whatever is given.
+/// The table that an operation by index works on. By hash it is always the main table.
 enum class NatTable : bool { kMain = false, kServer = true };
 
 /// How an operation finds its slot.

@@ -11,20 +11,20 @@ constexpr unsigned kServerSlotsToDelete = 8;
 
 constexpr std::array<Keyword, 2> kProtocolWords{{{"TCP", 1}, {"UDP", 0}}};
 
-/// Words of an entry: from <sip> to <age>, and with [server] behind them.
+/// Words of an entry: from <sip> to <age>, and with a final [server].
 constexpr int kEntryWords = 8;
 constexpr int kEntryWordsWithServer = 9;
 
 constexpr bool IsEntry(int words) { return words == kEntryWords || words == kEntryWordsWithServer; }
 
-/// Slots in a row. Unlike in the other tables one that does not exist is a usage error, after
-/// the slots before it have been worked on.
+/// Consecutive slots. Unlike in the other tables, one that does not exist is a usage error, after
+/// the slots before it have been processed.
 struct NatRange {
   std::uint8_t index = 0;
   std::uint16_t number = 1;
 };
 
-/// <index> [<number>]: the number is looked at when there is more than one word.
+/// <index> [<number>]: the number is used when there is more than one word.
 bool ParseRange(int words, ArgVector word, NatRange& range) {
   return ParseHex8(word[0], range.index) && (words <= 1 || ParseHex16(word[1], range.number));
 }
@@ -117,7 +117,7 @@ int ByHash(int argc, ArgVector argv) {
   return ShowWritten(NatTable::kMain, entry, kHashReadFailed);
 }
 
-/// d h <dip> <dport>: words are not counted; missing ones are what earlier lines left.
+/// d h <dip> <dport>: words are not counted; missing ones are taken from earlier lines.
 int DeleteByHash(ArgVector argv) {
   NatEntry entry{};
   if (!ParseKey(argv + 3, entry)) return kUsage;

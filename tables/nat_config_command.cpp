@@ -27,7 +27,7 @@ bool SwitchOn(const char* word, NatConfig& config) {
   return false;
 }
 
-/// Up to eight digits, of which the last four count.
+/// Up to eight digits, of which only the last four count.
 bool ParseAge(const char* word, std::uint16_t& age) {
   std::uint32_t value;
   if (!ParseHex32(word, value)) return false;

@@ -1,11 +1,11 @@
-"""Holds COVERAGE.md against the tests it names and against the monitor's own texts.
+"""Checks COVERAGE.md against the tests it names and against the monitor's own texts.
 
-A row is a behaviour and, in its last cell, the tests that hold it:
+A row is a behaviour and, in its last cell, the tests that cover it:
   `Suite.Name`                      a GoogleTest
   `nat.session: nat fe 3`           a whole line of that session, typed or shown
   `debug_monitor_test.StartUp.test_no_device`  a black-box test
-A text in quotes, `"NAT Read failed"`, has to stand in one of the files that hold its row. A row
-may hold on to nothing only in a section whose heading ends in "(no test)".
+A text in quotes, `"NAT Read failed"`, has to be in one of the files that its row names. A row
+may name no test only in a section whose heading ends in "(no test)".
 """
 
 import pathlib
@@ -54,7 +54,7 @@ def black_box_tests():
 
 
 class Row:
-    """A row of a table: where it stands, what it says, and the tests that hold it."""
+    """A row of a table: where it is, what it says, and the tests that it names."""
 
     def __init__(self, number, line, needs_no_test):
         cells = re.split(r"(?<!\\)\|", line)[1:-1]
@@ -90,7 +90,7 @@ class CoverageTable(unittest.TestCase):
         lines = read(path).splitlines()
         self.assertTrue(
             line in lines or f"Debug>> {line}" in lines,
-            f"{row.place}: '{line}' is no line of {path.name}",
+            f"{row.place}: '{line}' is not a line of {path.name}",
         )
         return path
 

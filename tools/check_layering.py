@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Checks by the includes that the layers of the code know only what lies below them."""
+"""Checks that the layers of the code include only what is below them."""
 
 import pathlib
 import re

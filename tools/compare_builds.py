@@ -25,7 +25,7 @@ SESSIONS = os.path.join(TOP, "tests", "sessions")
 PROMPT = "Debug>> "
 SECONDS = 120
 
-# On memory that answers nothing by itself; engines would be waited for.
+# For plain memory, on which a wait for an engine would not end.
 PLAIN_COMMANDS = """\
 version
 reset hw
@@ -67,7 +67,7 @@ exit
 
 
 def typed(session):
-    """The lines that a session types, or nothing where an operator has to end a wait."""
+    """The lines that a session types; none when an operator has to end a wait."""
     with open(os.path.join(SESSIONS, session), encoding="latin-1") as file:
         text = file.read()
     if "@ctrl-c" in text:
@@ -76,7 +76,7 @@ def typed(session):
 
 
 def board_trace(board, lines, path):
-    """Kinds and offsets of all accesses, and what was stored; what is loaded may hang on a clock."""
+    """Kinds and offsets of all accesses, what was stored; what is loaded may depend on a clock."""
     script = "".join(line + "\n" for line in lines).encode("latin-1")
     done = subprocess.run(
         [board, "--trace", path], input=script, capture_output=True, timeout=SECONDS, check=False
@@ -106,7 +106,7 @@ def first_difference(left, right):
 
 
 class Comparison:
-    """Holds each build's accesses against those of the first."""
+    """Compares each build's accesses with those of the first."""
 
     def __init__(self):
         self.first = {}

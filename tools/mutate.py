@@ -74,7 +74,7 @@ def change(match, rng):
 
 
 def code_of(line):
-    """The line without what is no behaviour: comments, includes, templates, documentation."""
+    """The line without what is not behaviour: comments, includes, templates, documentation."""
     if re.match(r"\s*(#|//|template\b|static_assert\b|namespace\b|using\b)", line):
         return ""
     return re.split(r"\s*//", line)[0]
@@ -98,7 +98,7 @@ def candidates(only):
 
 
 class Workplace:
-    """A copy of the sources with a build of its own."""
+    """A copy of the sources with its own build."""
 
     def __init__(self, folder):
         self.source = folder / "source"
@@ -115,7 +115,7 @@ class Workplace:
         subprocess.run(
             ["cmake", "-S", str(self.source), "-B", str(self.build), "-G", "Ninja",
              "-DCMAKE_BUILD_TYPE=Debug", "-DDEBUG_MONITOR_BOARD=OFF",
-             # Quick to build. An index beyond an array harms nothing else that a test could see.
+             # Quick to build. An index beyond an array damages nothing else that a test could see.
              "-DCMAKE_CXX_FLAGS_DEBUG=-D_GLIBCXX_ASSERTIONS",
              "-DDEBUG_MONITOR_STATIC=OFF"], check=True, stdout=subprocess.DEVNULL)
         if not self.builds():
@@ -146,7 +146,7 @@ class Workplace:
         return None
 
     def judge(self, name, number, match, token):
-        """Who notices the change; None when nobody does."""
+        """What notices the change; None when nothing does."""
         path = self.source / name
         original = path.read_text()
         lines = original.splitlines(keepends=True)

@@ -26,7 +26,7 @@ namespace {
 
 Board* g_board = nullptr;
 
-/// The end of a script, once the packet service has worked off the captures. The monitor has no
+/// The end of a script, once the packet service has handled all captured frames. The monitor has no
 /// way to return in the middle of a line. A script that cannot be read to its end has failed.
 void EndOfInput(int error, bool in_line) {
   if (monitor::PacketServiceOn() && g_board->FramesPending()) return;

@@ -17,12 +17,12 @@
 
 namespace board {
 
-/// The chip, its console and whoever watches it, as the options want them. There is one, it lives
-/// until the program exits, and it puts back what it has changed on the outside.
+/// The chip, its console and its observers, as the options ask. There is one; it lives until the
+/// program exits, and it restores what it has changed outside.
 class Board {
  public:
   /// Throws UsageError or, when something cannot be opened, another std::runtime_error; the console
-  /// is not touched then. The options must outlive the board.
+  /// is then not touched. The options must outlive the board.
   explicit Board(const Options& options);
   Board(const Board&) = delete;
   Board& operator=(const Board&) = delete;
@@ -35,8 +35,8 @@ class Board {
   /// Follows what the monitor's shell does.
   void Note(monitor::ShellEvent event);
 
-  /// To be called when a script ends in the middle of a line. Where nothing is echoed nobody would
-  /// see that it is not run.
+  /// To be called when a script ends in the middle of a line. Without an echo it would go
+  /// unnoticed that the line is not run.
   void NoteLostLine();
 
   /// Tells the operator, once in each wait, what the monitor waits for.
@@ -45,7 +45,7 @@ class Board {
   /// True while captures still have frames that the packet service would take.
   [[nodiscard]] bool FramesPending() const;
 
-  /// Lets frames in that have come from outside.
+  /// Takes in frames that have come from outside.
   void PollNetwork();
 
   /// Ends the program when a signal asks for that, in order.
@@ -58,7 +58,7 @@ class Board {
   /// Lets files lose what they held before.
   void StartFiles();
   void OpenConsole(bool keep_delete);
-  /// True for output that is no answer, and for what a plain line end has not.
+  /// True for output that is not an answer, and for characters that a plain line end lacks.
   [[nodiscard]] bool FilterOutput(char c);
   /// Ends a plain answer's last line where the command leaves that to the prompt.
   void EndAnswer();

@@ -38,7 +38,7 @@ Roles RolesOf(const Options& options) {
   return roles;
 }
 
-/// The file that a name stands for, also while nothing is there; empty when that cannot be said.
+/// The file that a name stands for, even while it does not exist; empty when that is unknown.
 std::filesystem::path Place(const std::string& name) {
   std::error_code failed;
   const std::filesystem::path place = std::filesystem::weakly_canonical(name, failed);
@@ -50,7 +50,7 @@ bool AreOneFile(const std::string& one, const std::string& other) {
   const bool same = std::filesystem::equivalent(one, other, failed);
   if (!failed) return same && std::filesystem::is_regular_file(one, failed);
   if (std::filesystem::exists(one, failed) || failed) return false;
-  // Files that are yet to be made have nothing but their names.
+  // Files that do not exist yet have only their names.
   const std::filesystem::path place = Place(one);
   return !place.empty() && place == Place(other);
 }

@@ -19,7 +19,7 @@ std::string BitName(const monitor::RegisterRow& row, std::uint8_t mask) {
 
 std::string DescribeWait(const monitor::Awaited& awaited) {
   if (awaited.mask == 0) {
-    return "reads a word again and again that will never be a number; no register is involved";
+    return "keeps reading a word that will never be a number; no register is involved";
   }
   std::string text = "waits for bit " + std::to_string(std::countr_zero(awaited.mask));
   for (const RegisterBlock& block : RegisterBlocks()) {

@@ -33,7 +33,7 @@ int Answer(const std::string& text) {
 }
 
 int Run(const board::Options& options) {
-  // Static, as the program may also end by an exit inside the monitor.
+  // Static, because the program may also end by a call of exit inside the monitor.
   static board::Board the_board(options);
   monitor::RunShell([](monitor::ShellEvent event) { the_board.Note(event); });
   return the_board.Finish();
@@ -43,7 +43,7 @@ int Run(const board::Options& options) {
 
 int main(int argc, char** argv) {
   OccupyStandardDescriptors();
-  // A file that may not grow is a write error like others.
+  // A file that may not grow is a write error like any other.
   std::signal(SIGXFSZ, SIG_IGN);
   try {
     const board::Options options = board::ParseOptions(argc, argv);

@@ -134,8 +134,8 @@ std::vector<std::string> OptionNames(const CLI::App& app) {
   return names;
 }
 
-/// Complains about words that are no options. Those that look like one are named first, as the
-/// others may have been meant for them.
+/// Complains about words that are not options. Those that look like one are named first, as the
+/// rest may have been meant for them.
 void RefuseUnknownArguments(const std::vector<std::string>& words, const CLI::App& app) {
   std::string unknown;
   for (const std::string& word : words) {

@@ -7,7 +7,7 @@
 
 namespace board {
 
-/// What the monitor is doing, and how its lines have fared.
+/// What the monitor is doing, and the results of its lines.
 class Progress {
  public:
   /// Only so many lines, the first, count for the exit status.
@@ -20,7 +20,7 @@ class Progress {
   /// service" while that has its turn. Empty at the prompt.
   [[nodiscard]] const std::string& CurrentCommand() const { return current_command_; }
 
-  /// Lines that have come to their end, `exit` not among them.
+  /// Lines that have ended, without `exit`.
   [[nodiscard]] std::size_t LinesDone() const { return lines_done_; }
 
   /// True once `exit` has been run.
@@ -40,7 +40,7 @@ class Progress {
   int status_ = 0;
 };
 
-/// Exit statuses of lines, the graver the higher.
+/// Exit statuses of lines; higher is worse.
 inline constexpr int kExitRefused = 3;
 inline constexpr int kExitFailed = 4;
 

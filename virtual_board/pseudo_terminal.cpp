@@ -54,7 +54,7 @@ PseudoTerminal::~PseudoTerminal() {
 void PseudoTerminal::RemoveLink() const {
   std::array<char, kLongestPath> target;
   const ssize_t length = readlink(link_.c_str(), target.data(), target.size());
-  // Somebody else may have put another link in its place.
+  // Another program may have put its own link in its place.
   if (length < 0 || std::string_view(target.data(), static_cast<std::size_t>(length)) != path_) {
     return;
   }

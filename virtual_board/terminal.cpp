@@ -63,7 +63,7 @@ termios RawTerminal::ModeOf(int fd) {
 
 void RawTerminal::Restore() const {
   if (!OwnsTerminal(fd_)) return;
-  // Nobody else will put it back, so a failure is not taken for an answer at once.
+  // No other program will restore it, so a failure is retried once.
   if (tcsetattr(fd_, TCSANOW, &saved_) < 0) tcsetattr(fd_, TCSANOW, &saved_);
 }
 

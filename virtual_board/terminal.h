@@ -6,10 +6,10 @@
 
 namespace board {
 
-/// Keeps a terminal in the mode that the line editor wants, also when the program goes on after it
-/// was stopped, and restores it at its end, also when a signal ends the program: every key arrives
-/// at once and as it is, but for Enter, which arrives as a line feed; nothing is echoed and output
-/// goes out as it is. Throws std::system_error when the terminal refuses.
+/// Keeps a terminal in the mode that the line editor needs, even when the program continues after a
+/// stop, and restores it at the end, even when a signal ends the program: every key arrives at once
+/// and unchanged, except Enter, which arrives as a line feed; nothing is echoed and output goes out
+/// unchanged. Throws std::system_error when the terminal refuses.
 class RawTerminal {
  public:
   explicit RawTerminal(int fd);
@@ -22,7 +22,7 @@ class RawTerminal {
   static void GoOn(int signal);
   void Restore() const;
 
-  static const RawTerminal* the_one_;  ///< For the signal that it goes on.
+  static const RawTerminal* the_one_;  ///< For SIGCONT.
 
   int fd_;
   termios saved_;

@@ -1,5 +1,5 @@
-// The packet classifier of the model: 128 rules with counters and overflow bits behind its
-// engine, and the chain head.
+// The packet classifier of the model: its engine, 128 rules with counters and overflow bits, and
+// the chain head.
 #pragma once
 
 #include "chip/classifier/rule.h"

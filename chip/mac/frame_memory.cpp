@@ -12,7 +12,7 @@ using namespace monitor;  // NOLINT: the register names
 
 namespace {
 
-/// Bytes in a row of the saved contents.
+/// Bytes per row of the saved contents.
 constexpr std::size_t kRowSize = 32;
 
 /// Memory that holds nothing but zeros is not part of the state.
@@ -37,7 +37,7 @@ void FrameMemory::Copy(std::uint32_t to, std::uint32_t from, std::uint32_t count
   const std::uint32_t from_at = Offset(from);
   const bool apart = to_at + count <= from_at || from_at + count <= to_at;
   if (!observer && apart && inside(to_at) && inside(from_at)) {
-    // Nobody can tell the single accesses from one move.
+    // The single accesses cannot be told from one move.
     std::memcpy(bytes_.data() + to_at, bytes_.data() + from_at, count);
     return;
   }

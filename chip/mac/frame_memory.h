@@ -42,7 +42,7 @@ class FrameMemory {
   /// A byte load at `from` and a byte store at `to`, `count` times, addresses increasing.
   void Copy(std::uint32_t to, std::uint32_t from, std::uint32_t count);
 
-  // The contents, beside the bus.
+  // The contents, bypassing the bus.
   [[nodiscard]] std::uint8_t& HeaderByte(unsigned handle, std::uint32_t offset);
   [[nodiscard]] std::uint16_t HeaderLength(unsigned handle) const;
   void SetHeaderLength(unsigned handle, std::uint16_t length);
@@ -52,11 +52,11 @@ class FrameMemory {
   /// False: the memory cannot be mapped, as on a board whose memory device refuses it.
   bool mappable = true;
 
-  /// Called after each load and before each store takes effect; empty when nobody watches.
+  /// Called after each load and before each store takes effect; empty without an observer.
   std::function<void(const Access&)> observer;
 
  private:
-  /// A frame begins behind its buffer's header, so the longest sticks out of the last buffer.
+  /// A frame begins after its buffer's header, so the longest extends past the last buffer.
   static constexpr std::size_t kSize =
       monitor::kBuffers * monitor::kBufferSize + monitor::kBufferHeaderSize;
 

@@ -7,7 +7,7 @@
 namespace chip {
 namespace {
 
-/// The check sequence is on the wire but not in the frames that the model passes around.
+/// The FCS is on the wire but not in the frames that the model passes around.
 constexpr std::size_t kCheckSequence = 4;
 
 /// The statistic counters that frames move, by index.

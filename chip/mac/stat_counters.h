@@ -1,5 +1,5 @@
-// The statistic counters of the model: 28 a port behind the counter engine, in their documented
-// widths, with an overflow bit each.
+// The statistic counters of the model and their engine: 28 per port, in their documented widths,
+// with an overflow bit each.
 #pragma once
 
 #include <array>
@@ -29,7 +29,7 @@ class StatCounters {
   Engine engine;
 
  private:
-  /// What has been stored since the last start: only that does the next write apply.
+  /// What has been stored since the last start: the next write applies only that.
   struct Stored {
     bool word_a = false;
     bool word_b = false;

@@ -1,4 +1,4 @@
-// The PDR table of the model: 64 entries behind its engine.
+// The PDR table of the model and its engine: 64 entries.
 #pragma once
 
 #include "chip/indexed_table.h"

@@ -1,4 +1,4 @@
-// The PPPoE session table of the model: four entries behind the PST engine.
+// The PPPoE session table of the model and its engine: four entries.
 #pragma once
 
 #include "chip/indexed_table.h"

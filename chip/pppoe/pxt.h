@@ -1,4 +1,4 @@
-// The PXT table of the model: four entries behind its engine.
+// The PXT table of the model and its engine: four entries.
 #pragma once
 
 #include "chip/indexed_table.h"

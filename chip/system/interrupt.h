@@ -21,7 +21,7 @@ class InterruptController {
   /// As long as a source is held, its event cannot be acknowledged away.
   void Hold(monitor::Field source, bool held);
 
-  /// Called before the status is loaded; what is outside may raise events. Empty for nobody.
+  /// Called before the status is loaded; the outside may raise events. May be empty.
   std::function<void()> before_status;
 
  private:

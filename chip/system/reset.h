@@ -25,7 +25,7 @@ class ResetControl {
   ResetControl(const ResetControl&) = delete;
   ResetControl& operator=(const ResetControl&) = delete;
 
-  /// As of an engine: the done bit never rises, reads as 0, or rises at that load after the
+  /// As for an engine: the done bit never rises, reads as 0, or rises at that load after the
   /// release; or resets have no effect.
   void SetFault(Fault fault) { fault_ = fault; }
   void Reset();

@@ -62,7 +62,7 @@ void Timers::Advance(Timer& timer) const {
 
 void Timers::Count(Timer& timer, std::uint64_t counts) {
   if (counts > timer.counter) {
-    // The count behind 0 is the load value again.
+    // The count after 0 is the load value again.
     const std::uint64_t round = std::uint64_t{timer.load} + 1;
     counts = (counts - timer.counter - 1) % round;
     timer.counter = timer.load;

@@ -1,5 +1,5 @@
-// The timers of the model: two 16-bit down counters, worked out from the clock when they are
-// looked at.
+// The timers of the model: two 16-bit down counters, computed from the clock when they are
+// read.
 #pragma once
 
 #include <array>
@@ -21,11 +21,11 @@ class Timers {
 
   void Reset();
 
-  /// Timers stand where they are now, and go on from there when they are put back.
+  /// Timers are saved at their present count, and continue from it when they are restored.
   void State(StateArchive& archive);
 
  private:
-  /// A timer's settings, which have held since `since`, and where it stood then.
+  /// A timer's settings, in force since `since`, and its count then.
   struct Timer {
     std::uint16_t load = 0;
     std::uint16_t divisor = 0;

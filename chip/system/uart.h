@@ -20,7 +20,7 @@ class Uart {
   /// A byte arrives on the line.
   void Receive(std::uint8_t byte) { received_.push_back(byte); }
 
-  /// Given each byte that leaves on the line; empty when nobody listens.
+  /// Given each byte that leaves on the line; empty without a listener.
   std::function<void(std::uint8_t)> on_transmit;
 
  private:

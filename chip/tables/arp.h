@@ -1,4 +1,4 @@
-// The ARP table of the model: 64 bindings with reference bits behind the ARP engine.
+// The ARP table of the model and its engine: 64 bindings with reference bits.
 #pragma once
 
 #include "chip/indexed_table.h"

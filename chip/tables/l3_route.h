@@ -1,4 +1,4 @@
-// The route table of the model: 64 slots with counters and overflow bits behind the L3 engine.
+// The route table of the model and its engine: 64 slots with counters and overflow bits.
 #pragma once
 
 #include "chip/indexed_table.h"

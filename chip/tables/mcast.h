@@ -1,5 +1,4 @@
-// The multicast table of the model: 64 groups with counters and overflow bits behind the
-// multicast engine.
+// The multicast table of the model and its engine: 64 groups with counters and overflow bits.
 #pragma once
 
 #include "chip/indexed_table.h"

@@ -1,4 +1,4 @@
-// The NAT tables of the model, main and server, behind the NAT engine, and the storage of the
+// The NAT tables of the model, main and server, with the NAT engine, and the storage of the
 // engine's settings.
 #pragma once
 

@@ -30,7 +30,7 @@ struct CloseCapture {
 using File = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 using Capture = std::unique_ptr<pcap_t, CloseCapture>;
 
-/// Times that no clock shows, as a damaged capture may have, come out as the nearest that fits.
+/// Impossible times, as in a damaged capture, become the nearest that is representable.
 std::int64_t Nanoseconds(const timespec& time) {
   const std::int64_t seconds = std::clamp<std::int64_t>(time.tv_sec, 0, kMostSeconds);
   return seconds * kNanosecondsPerSecond + time.tv_nsec;
@@ -184,9 +184,9 @@ class CapturePort : public Port {
   Capture input_;
   std::optional<OutputFile> output_;
   Descriptor timer_;
-  Frame next_;             ///< What Receive answers next, or has answered last.
+  Frame next_;             ///< What Receive returns next, or returned last.
   bool pending_ = false;   ///< There is such a frame, or it is not known whether one follows.
-  bool answered_ = false;  ///< Receive has answered it.
+  bool answered_ = false;  ///< Receive has returned it.
   unsigned number_ = 0;
   std::int64_t shift_ = 0;  ///< Monotonic time minus capture time.
   std::int64_t due_ = 0;    ///< When the next frame arrives, monotonic.

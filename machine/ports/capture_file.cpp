@@ -6,7 +6,7 @@ namespace board {
 namespace {
 
 // Block types and options of the pcapng format. Numbers are in the host's byte order, which the
-// section header's magic number tells.
+// section header's magic number shows.
 constexpr std::uint32_t kSectionHeader = 0x0A0D0D0A;
 constexpr std::uint32_t kByteOrderMagic = 0x1A2B3C4D;
 constexpr std::uint16_t kMajorVersion = 1;

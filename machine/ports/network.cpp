@@ -37,8 +37,8 @@ std::vector<std::string> InterfaceNames() {
 constexpr unsigned kFramesPerPoll = 64;
 
 /// Looks at the interrupt status between polls while received frames wait for the CPU. The packet
-/// service looks twice for each frame, so a port brings no more frames than were worked off, and
-/// none has to be dropped only because it was fetched early.
+/// service looks twice for each frame, so a port brings no more frames than were handled, and none
+/// has to be dropped only because it was fetched early.
 constexpr unsigned kLooksBetweenPolls = 2 * kFramesPerPoll;
 
 /// Buffers that captures leave free for ports that cannot wait.

@@ -1,4 +1,4 @@
-// What lies around the chip: the far ends of its three ports, joined to the frame engine.
+// What surrounds the chip: the far ends of its three ports, connected to the frame engine.
 #pragma once
 
 #include <memory>
@@ -32,8 +32,8 @@ class Network {
   /// more than the chip has buffers for.
   void Poll();
 
-  /// The monitor is about to wait, for input or WatchedFd. Behind the wait there is nothing new to
-  /// be found, so the next look at the interrupt status costs nothing.
+  /// The monitor is about to wait, for input or WatchedFd. After the wait there is nothing new to
+  /// find, so the next look at the interrupt status costs nothing.
   void NoteWait() {
     waited_ = true;
     Flush();
@@ -48,7 +48,7 @@ class Network {
   /// True while captures still have frames for a port that is up, or frames wait for the CPU.
   [[nodiscard]] bool Pending() const;
 
-  /// True when something went wrong that the exit status has to tell.
+  /// True when something went wrong that the exit status has to report.
   [[nodiscard]] bool Failed() const;
 
  private:

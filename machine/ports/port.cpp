@@ -21,7 +21,7 @@ bool IsPort(const std::string& what) {
   const auto [kind, rest] = Parts(what);
   if (kind == "tap" || kind == "unix") return !rest.empty();
   const auto [in, out] = CapturesOf(what);
-  // Behind a second comma stands nothing.
+  // Nothing may follow a second comma.
   if (kind == "pcap") return !(in.empty() && out.empty()) && out.find(',') == std::string::npos;
   return what == "none";
 }

@@ -10,10 +10,10 @@
 
 namespace board {
 
-/// A frame where it lies; whoever hands it out says how long it stays.
+/// A frame in place; its source says how long it stays valid.
 using Frame = std::span<const std::uint8_t>;
 
-/// A port that cannot be opened: what was asked for and why it cannot be had.
+/// A port that cannot be opened: what was asked for and why it failed.
 struct PortError : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
@@ -44,10 +44,10 @@ class Port {
   /// True when frames come no faster than they are asked for, so that none need be lost.
   [[nodiscard]] virtual bool Waits() const { return false; }
 
-  /// True while frames are still to come although nobody sends them now.
+  /// True while frames are still to come although none is being sent.
   [[nodiscard]] virtual bool Pending() const { return false; }
 
-  /// True when something went wrong that the exit status has to tell.
+  /// True when something went wrong that the exit status has to report.
   [[nodiscard]] virtual bool Failed() const { return false; }
 };
 
@@ -71,7 +71,7 @@ struct CaptureNames {
 /// captures that cannot be written.
 [[nodiscard]] std::unique_ptr<Port> OpenPort(const std::string& what, const PortOptions& options);
 
-// The kinds, by what stands behind their colon.
+// The kinds, by what follows their colon.
 [[nodiscard]] std::unique_ptr<Port> OpenTapPort(const std::string& name);
 [[nodiscard]] std::unique_ptr<Port> OpenCapturePort(const CaptureNames& names,
                                                     const PortOptions& options);

@@ -1,4 +1,4 @@
-// A listening socket on which a test program exchanges frames, one a packet.
+// A listening socket on which a test program exchanges frames, one per packet.
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/timerfd.h>
@@ -95,7 +95,7 @@ class SocketPort : public Port {
   void Remove() const {
     struct stat there {};
     if (!bound_ || stat(path_.c_str(), &there) != 0) return;
-    // Somebody else may have put another socket in its place.
+    // Another program may have put its own socket in its place.
     if (there.st_dev == made_.st_dev && there.st_ino == made_.st_ino) unlink(path_.c_str());
   }
 

@@ -12,7 +12,7 @@ namespace board {
 enum class BitUse : std::uint8_t {
   kReadWrite,
   kReadOnly,   ///< Stores leave them alone.
-  kOneClears,  ///< A store of 1 clears, of 0 leaves alone.
+  kOneClears,  ///< A store of 1 clears them, of 0 leaves them alone.
 };
 
 /// What the rows of the register tables leave to the model: how registers behave.

@@ -57,7 +57,7 @@ std::filesystem::path FolderOf(const std::string& path) {
   return folder.empty() ? "." : folder;
 }
 
-/// Where the path leads, also when nothing is there yet.
+/// Where the path leads, even when nothing is there yet.
 std::filesystem::path Followed(std::filesystem::path path) {
   // The kernel follows as many.
   constexpr int kMostLinks = 40;

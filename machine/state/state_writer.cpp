@@ -13,7 +13,7 @@ void StateWriter::Add(const std::string& name, ordered_json value) {
   if (parent.is_array()) {
     parent.push_back(std::move(value));
   } else {
-    // No name comes twice, so there is no need to search for it.
+    // Names are unique, so there is no need to search for them.
     parent.get_ref<ordered_json::object_t&>().push_back({name, std::move(value)});
   }
 }

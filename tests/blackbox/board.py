@@ -13,7 +13,7 @@ BOARD = support.program("VIRTUAL_BOARD")
 
 
 class BoardTest(unittest.TestCase):
-    """A test with a folder of its own and boards that end with it."""
+    """A test with its own folder and boards that end with it."""
 
     maxDiff = None
 
@@ -28,7 +28,7 @@ class BoardTest(unittest.TestCase):
         return os.path.join(self.folder, name)
 
     def start(self, *options, before=()):
-        """Starts a board, with words in front of the command, and waits for its prompt."""
+        """Starts a board, with words before the command, and waits for its prompt."""
         # pylint: disable=consider-using-with
         self.board = subprocess.Popen(
             [*before, BOARD, *options],

@@ -24,10 +24,10 @@ def why_not():
 
 
 def record(memory, program, script, log):
-    """Runs the script on the file `memory` as the memory device. What the program printed, and its
-    accesses to the window in order, as "r8 0101"; one that loads and stores at once counts as
-    both."""
-    # Optimised, valgrind leaves out loads whose values nobody uses.
+    """Runs the script on the file `memory` as the memory device. Returns what the program printed,
+    and its accesses to the window in order, as "r8 0101"; one that loads and stores at once counts
+    as both."""
+    # Optimised, valgrind leaves out loads whose values are not used.
     analyser = ["valgrind", "--tool=lackey", "--trace-mem=yes", "--vex-iropt-level=0"]
     analyser.append(f"--log-file={log}")
     done = support.run(kernel_memory.inside(memory, *analyser, program), script)

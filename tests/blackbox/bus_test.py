@@ -10,7 +10,7 @@ import support
 
 WHY_NOT = bus_analyser.why_not()
 
-# The start touches nothing, and neither does the end.
+# Neither the start nor the end touches anything.
 STORY = [
     ("version", "r8 0101  r16 0102  r16 0102"),
     ("reg 605 = 12 34", "w8 0605  w8 0606  r8 0605  r8 0606"),

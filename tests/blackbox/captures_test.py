@@ -103,7 +103,7 @@ class Replay(board.BoardTest):
 
 class Timing(board.BoardTest):
     SPACING = 0.2
-    # The first may come before the script; to whom these are sent does not hang on addresses.
+    # The first may come before the script; where these are sent does not depend on addresses.
     TRAFFIC = [frames.frame(60, frames.BROADCAST, number) for number in range(3)]
 
     def test_realtime_keeps_the_spacing(self):
@@ -206,7 +206,7 @@ class BadCapture(board.BoardTest):
         self.expect_no_start("pcap:" + self.capture, self.capture, reason)
 
     def test_no_capture(self):
-        for content in (b"", b"\xd4\xc3\xb2", b"This is no capture, but some text.\n" * 10):
+        for content in (b"", b"\xd4\xc3\xb2", b"This is not a capture, but text.\n" * 10):
             with open(self.capture, "wb") as file:
                 file.write(content)
             self.expect_no_start("pcap:" + self.capture, self.capture)
@@ -272,7 +272,7 @@ class OneFile(board.BoardTest):
 
 
 class GoneReader(board.BoardTest):
-    """A pipe whose reader goes away is a file that cannot be written any more."""
+    """A pipe whose reader goes away is a file that can no longer be written."""
 
     def test_outputs(self):
         pipe, capture, lines = self.path("pipe"), self.path("in"), self.path("lines")

@@ -8,7 +8,7 @@ import unittest
 
 import support
 
-import pexpect  # Behind the module that skips where there is none.
+import pexpect  # After the module that skips where there is none.
 
 BOARD = support.program("VIRTUAL_BOARD")
 COMPLETION = support.program("COMPLETION")
@@ -54,7 +54,7 @@ class CompletionTest(unittest.TestCase):
         self.bash.expect_exact("loaded\r\nbash> ")
 
     def offered(self, text, keys=INSERT_ALL):
-        """What is offered for the last word of the line, which is empty behind a space."""
+        """What is offered for the last word of the line, which is empty after a space."""
         self.bash.send(f"virtual-board {text}{keys}{SHOW}")
         self.bash.expect(r"\r\n\r?\{virtual-board\}(.*)bash> ")
         words = re.findall(r"\{(.*?)\}", self.bash.match.group(1).decode())
@@ -70,7 +70,7 @@ class CompletionTest(unittest.TestCase):
                 with self.subTest(option):
                     self.assertEqual(self.offered(option + " "), ARGUMENTS[argument])
 
-    def test_goes_on_with_a_word(self):
+    def test_completes_a_word(self):
         self.assertEqual(self.offered("--cap"), ["--capture"])
         self.assertEqual(self.offered("--realtime --keep"), ["--keep-delete"])
         self.assertEqual(self.offered("--nothing"), ["--nothing"])
@@ -95,12 +95,12 @@ class CompletionTest(unittest.TestCase):
         self.assertEqual(self.offered("--wan pcap:a,o"), ["pcap:a,one.pcap"])
         self.assertEqual(self.offered("--dmz unix:t"), ["unix:three", "two words"])
 
-    def test_a_word_goes_on_behind_a_colon(self):
+    def test_a_word_goes_on_after_a_colon(self):
         self.assertEqual(self.offered("--fault ha", "\tl\t"), ["hang:l3"])
         self.assertEqual(self.offered("--fault sl", "\tl\t5"), ["slow:l3:5"])
         self.assertEqual(self.offered("--wan no", "\t--lan"), ["none", "--lan"])
 
-    def test_offers_forms_of_the_register_map_behind_an_equals_sign(self):
+    def test_offers_forms_of_the_register_map_after_an_equals_sign(self):
         self.assertEqual(self.offered("--registers="), ["--registers=json", "svd"])
         self.assertIn("--trace", self.offered("--registers "))
 

@@ -1,6 +1,6 @@
 """The console a second time: line editor, history, words and the `reg` and `version` commands, as
-simple as they can be said, to compare the monitor with on any keys. None of what these commands
-print is long enough to be wrapped."""
+simple as possible, to compare the monitor with on any keys. None of what these commands print is
+long enough to be wrapped."""
 
 from support import PROMPT, START, UNKNOWN
 

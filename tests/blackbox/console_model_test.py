@@ -1,4 +1,4 @@
-"""The console on random keys, against a second reading of how it works."""
+"""The console on random keys, compared with a second implementation of it."""
 
 import copy
 import os
@@ -15,7 +15,7 @@ SCRIPTS = 60
 LINES = 40
 
 ARROWS = (b"\x1b[A", b"\x1b[A", b"\x1b[B")
-# Sequences that vanish, with what follows them, and a key that is rubbed out again.
+# Sequences that vanish, with what follows them, and a key that is erased again.
 NOTHINGS = (b"\x1bx", b"\x1b[C", b"\x1b\n", b"\x1b[\n", b"\x1b[\x1b", b"z\x08")
 
 
@@ -24,7 +24,7 @@ def digits(pick):
 
 
 def register_line(pick):
-    """A dump or a store of the registers, now and then a little wrong."""
+    """A dump or a store of the registers, sometimes slightly wrong."""
     offset = pick.randrange(START, START + SIZE)
     room = START + SIZE - offset
     line = pick.choice((b"reg ", b"REG ", b" Reg  ")) + pick.choice((b"", b"0x")) + b"%x" % offset
@@ -66,7 +66,7 @@ def keys(pick):
 
 
 class RandomKeys(board.BoardTest):
-    def test_every_byte_is_as_foreseen(self):
+    def test_every_byte_is_as_predicted(self):
         self.start()
         version = self.command(b"version")
         self.leave()

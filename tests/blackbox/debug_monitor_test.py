@@ -58,7 +58,7 @@ class StartUp(kernel_memory.KernelMemoryTest):
         self.assertEqual(done.stderr, b"")
         self.assertEqual(done.returncode, 256 - 19)
 
-    def test_failed_mapping_is_shown_and_not_judged(self):
+    def test_failed_mapping_is_shown_and_ignored(self):
         fifo = os.path.join(self.folder, "fifo")
         os.mkfifo(fifo)
         command = kernel_memory.inside(fifo, support.program("DEBUG_MONITOR"))
@@ -175,7 +175,7 @@ class MovingBase(kernel_memory.KernelMemoryTest):
     SECONDS = 1
 
     def test_buffer_memory_that_moves_in_the_middle_of_an_operation(self):
-        """Addresses made before lie outside the mapping then, and the monitor goes on."""
+        """Addresses formed before are then outside the mapping, and the monitor continues."""
         monitor = subprocess.Popen(self.command(), stdin=subprocess.PIPE, stdout=subprocess.DEVNULL)
         self.addCleanup(support.end, monitor)
         monitor.stdin.write(b"frame r = forward\n")
@@ -194,11 +194,11 @@ class MovingBase(kernel_memory.KernelMemoryTest):
 
 class Idle(kernel_memory.KernelMemoryTest):
     SECONDS = 2
-    # Ten wake-ups a second are allowed behind the end of input.
+    # Ten wake-ups per second are allowed after the end of input.
     LONGEST = 0.02
 
     def test_no_processor_time_at_the_prompt(self):
-        """On a pipe and a terminal that stay silent, and behind the end of input, which is not
+        """On a pipe and a terminal that stay silent, and after the end of input, which is not
         an exit."""
         terminal = support.Terminal(self)
         tty.setraw(terminal.fd)
@@ -220,7 +220,7 @@ class Idle(kernel_memory.KernelMemoryTest):
         self.assertLess(max(used), self.LONGEST, f"terminal, pipe, ended: {used} seconds")
 
     def test_input_may_come_back(self):
-        """A named pipe ends with each writer and goes on with the next."""
+        """A named pipe ends with each writer and continues with the next."""
         path = os.path.join(self.folder, "input")
         os.mkfifo(path)
         reader = os.open(path, os.O_RDONLY | os.O_NONBLOCK)

@@ -14,7 +14,7 @@ BACKSPACE = b"\x08"
 DELETE = b"\x7f"
 ERASED = b"\b \b"
 
-# The names of all commands, six a line.
+# The names of all commands, six per line.
 NAMES = (
     b"help       reg        timer      reset      version    cs         \n\r"
     b"macaddr    maccfg     frame      uart       natcfg     nat        \n\r"
@@ -31,12 +31,12 @@ class EditorTest(unittest.TestCase):
         self.terminal.screen.until(START)
 
     def press(self, keys, shown):
-        """Types the keys; exactly `shown` appears."""
+        """Types the keys; exactly `shown` has to appear."""
         self.terminal.type(keys)
         self.terminal.screen.shows(shown)
 
     def enter(self, line):
-        """Enters a line that is no command."""
+        """Enters a line that is not a command."""
         self.press(line + b"\r", line + b"\r\n" + UNKNOWN + PROMPT)
 
 
@@ -81,7 +81,7 @@ class Keys(EditorTest):
             time.sleep(1)
             self.press(b"x", b"x")
 
-    def test_echo_breaks_behind_the_71st_character(self):
+    def test_echo_breaks_after_the_71st_character(self):
         self.press(70 * b"x", 70 * b"x")
         self.press(b"y", b"y\n\r")
         self.press(b"z", b"z")

@@ -61,7 +61,7 @@ class ConsoleTest(unittest.TestCase):
         return server
 
     def drive(self, port, *commands):
-        """Runs commands with the bench driver once somebody listens on the port."""
+        """Runs commands with the bench driver once a program listens on the port."""
         driver = [sys.executable, "-B", example("bench_driver.py"), f"localhost:{port}"]
         for _ in range(100):
             done = support.run([*driver, *commands])
@@ -138,7 +138,7 @@ class Network(ConsoleTest):
         self.serve("ser2net", "-n", "-u", "-c", path)
         self.check(port)
 
-    def test_nobody_listens(self):
+    def test_nothing_listens(self):
         done = support.run([sys.executable, "-B", example("bench_driver.py"), "localhost:1"])
         self.assertEqual((done.returncode, done.stdout), (1, b""))
         self.assertIn(b"bench_driver: localhost:1: ", done.stderr)
@@ -147,7 +147,7 @@ class Network(ConsoleTest):
 class Commands(unittest.TestCase):
     """The files that set up a router, as the board's script."""
 
-    # From each file, something that stands in the chip afterwards: the question and its answer.
+    # For each file, something that is in the chip afterwards: the question and its answer.
     ANSWERS = {
         "ports": [(b"maccfg lan", b"VLAN AWARE: TRUE"), (b"macaddr", b"WANIP: 203.0.113.2")],
         "routes": [(b"l3 3", b"NEXT HOP: 203.0.113.1 "), (b"l3 f", b"ENABLE")],

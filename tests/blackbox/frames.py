@@ -24,8 +24,8 @@ def frame(length, destination=CPU_MAC, number=0):
 
 
 def mixed_traffic(count, shortest=60, longest=1514):
-    """Frames of random lengths, the shortest and the longest among them, to everybody. The same
-    at each call."""
+    """Broadcast frames of random lengths, the shortest and the longest among them. The same at
+    each call."""
     source = random.Random(count)
     lengths = [shortest, longest] + [source.randint(shortest, longest) for _ in range(count - 2)]
     destinations = (CPU_MAC, BROADCAST, GROUP, PEER_MAC)
@@ -36,7 +36,7 @@ def mixed_traffic(count, shortest=60, longest=1514):
 
 
 def reason(octets):
-    """Why the chip hands a frame to the CPU when that has CPU_MAC."""
+    """Why the chip hands a frame to a CPU whose address is CPU_MAC."""
     if octets[:6] == BROADCAST:
         return 2
     if octets[0] & 1:
@@ -96,7 +96,7 @@ def write_pcapng(path, frames, link_types=(ETHERNET,)):
 
 
 def read_pcap(path):
-    """The frames of a classic capture, as far as they are there whole."""
+    """The frames of a classic capture, as far as they are complete."""
     with open(path, "rb") as file:
         data = file.read()
     if len(data) < 24:

@@ -1,4 +1,4 @@
-"""debug-monitor in a mount namespace of its own, whose memory device is a file of the test."""
+"""debug-monitor in its own mount namespace, where the memory device is a file of the test."""
 
 import os
 import shutil
@@ -32,7 +32,7 @@ def inside(device, *command):
 
 
 def why_not():
-    """What is missing for a memory device of our own, or None."""
+    """What is missing for our own memory device, or None."""
     if DEVICE != "/dev/kmem":
         return f"this build's device is {DEVICE}, not /dev/kmem"
     if shutil.which("unshare") is None:
@@ -63,7 +63,7 @@ class KernelMemoryTest(unittest.TestCase):
         return inside(self.path, support.program("DEBUG_MONITOR"))
 
     def store(self, offset, data):
-        """Puts bytes into the register window, beside the monitor."""
+        """Puts bytes into the register window, bypassing the monitor."""
         os.pwrite(self.memory, data, WINDOW + offset)
 
     def load(self, offset, count=1):

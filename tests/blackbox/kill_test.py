@@ -1,5 +1,5 @@
-"""Killed at any moment, virtual-board and the launcher leave the terminal as it was, and nobody
-behind."""
+"""Killed at any moment, virtual-board and the launcher restore the terminal and leave no process
+running."""
 
 import contextlib
 import os
@@ -21,7 +21,7 @@ SIGNALS = (signal.SIGTERM, signal.SIGINT, signal.SIGHUP)
 
 
 class Run:
-    """A session that is to be killed so many seconds behind its start."""
+    """A session that is to be killed that many seconds after its start."""
 
     def __init__(self, session, keys, moment):
         self.moment = moment
@@ -52,7 +52,7 @@ class Run:
 
 
 def processes():
-    """Those that live: number, process group, name."""
+    """The living processes: number, process group, name."""
     for stat in pathlib.Path("/proc").glob("[0-9]*/stat"):
         with contextlib.suppress(OSError):
             head, rest = stat.read_text(encoding="ascii", errors="replace").rsplit(")", 1)
@@ -91,10 +91,10 @@ class Kill(unittest.TestCase):
                     if number % 2:
                         self.assertNotEqual(status, 0)
                     self.assertTrue(run.restored, f"status {status}")
-            self.expect_nobody({run.process.pid for run in runs})
+            self.expect_no_process({run.process.pid for run in runs})
 
-    def expect_nobody(self, groups):
-        """Nobody of these process groups stays; what the monitor's way takes a moment of may."""
+    def expect_no_process(self, groups):
+        """No process of these groups stays; what the monitor started may take a moment to end."""
         deadline = time.monotonic() + support.DEADLINE
         while left := [(pid, name) for pid, group, name in processes() if group in groups]:
             if time.monotonic() > deadline:
@@ -122,7 +122,7 @@ class Kill(unittest.TestCase):
     @unittest.skipIf(kernel_memory.WHY_NOT, kernel_memory.WHY_NOT)
     def test_monitor_of_the_launcher(self):
         """SIGKILL, which the monitor cannot see."""
-        # On its way from a script to the program.
+        # While the script becomes the program.
         names = ("debug-monitor", "unshare", "sh", "mount", "ln")
 
         def kill(process, _):

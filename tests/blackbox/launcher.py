@@ -1,4 +1,4 @@
-"""debug-monitor-console in a folder of its own, on a terminal whose user is the test."""
+"""debug-monitor-console in its own folder, on a terminal whose user is the test."""
 
 import os
 import shutil

@@ -13,7 +13,7 @@ import support
 from kernel_memory import MAPPED
 from support import PROMPT, START, UNKNOWN
 
-# Stands in for the monitor: tells that it runs and its number, takes a line, ends with it.
+# Stands in for the monitor: says that it runs and its number, takes a line, exits with it.
 MONITOR = """#!/bin/sh
 echo "running $$"
 read -r line
@@ -162,7 +162,7 @@ class Search(StandInTest):
         self.terminal.type(b"3\r")
         self.expect_end(3)
 
-    def test_beside_it_first(self):
+    def test_next_to_it_first(self):
         other = os.path.join(self.folder, "other")
         os.mkdir(other)
         self.install(other, "#!/bin/sh\nexit 1\n")

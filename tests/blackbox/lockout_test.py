@@ -1,4 +1,4 @@
-"""Whatever the hardware does, Ctrl-C gives the operator of a terminal the prompt back."""
+"""Whatever the hardware does, Ctrl-C returns the operator of a terminal to the prompt."""
 
 import os
 import socket
@@ -16,7 +16,7 @@ from support import PROMPT, START, UNKNOWN
 
 CTRL_C = b"\x03"
 
-# A line that its Ctrl-D makes void stands where too much was typed in a wait.
+# A line made void by its Ctrl-D is where too much was typed in a wait.
 VOID = b"\x04\r\n" + PROMPT
 
 # Seconds from Ctrl-C to the prompt.
@@ -24,14 +24,14 @@ LONGEST = 0.5
 
 
 class Wait(NamedTuple):
-    """A command that waits for an engine which never gets done."""
+    """A command that waits for an engine that never finishes."""
 
     engine: str
     command_byte: int
     line: bytes
     given_up: bytes
 
-    # Both ready bits of the table engines. The frame engines look at none before they start.
+    # Both ready bits of the table engines. The frame engines check none before they start.
     READY = b"\x03"
     FRAME_ENGINES = range(0x420, 0x440)
 
@@ -54,7 +54,7 @@ WAITS = [
     Wait("sc", 0x85C, b"sc lan", b"SC BatchRead failed\n\r"),
     Wait("sc", 0x85C, b"sc c lan", b"SC ClearAll failed\n\r"),
     Wait("pst", 0xA0F, b"pst 0", b"PST Read failed\n\r"),
-    # These two reads do not look whether the engine is ready: a list must not wait once an entry.
+    # These two reads do not check that the engine is ready: a list must not wait once per entry.
     Wait("pdr", 0xA16, b"pdr 0 40", b"PDR Read failed\n\r"),
     Wait("pxt", 0xA3A, b"pxt 0 40", b"PXT Read failed\n\r"),
     Wait("tx", 0x42B, b"frame t 40 1 lan 0 low", b"MAC Tx failed\n\r"),
@@ -69,7 +69,7 @@ BOUNDED = [
     ("mii", b"mii 2 0 = 8000", b"MII Write failed\n\r"),
 ]
 
-# A no_buf word that is no number is parsed again for ever; the end is a usage error.
+# A no_buf word that is not a number is parsed again forever; the end is a usage error.
 ENDLESS_LINE = b"qos = 1 2 3 4 5 6 zz"
 USAGE = b"Invalid Command\n\r  qos "
 
@@ -112,7 +112,7 @@ class Operator:
 
 
 def slow(engine, seconds=1):
-    """The fault with which an operation of the engine takes about so long on this machine."""
+    """The fault with which an operation of the engine takes about that long on this machine."""
     sample = 10_000_000
     begin = time.monotonic()
     support.run([support.program("VIRTUAL_BOARD"), "--fault", f"slow:l3:{sample}", "-c", "l3 0"])
@@ -122,13 +122,13 @@ def slow(engine, seconds=1):
 class VirtualBoard(Operator, unittest.TestCase):
     def start(self, *options):
         self.terminal = support.Terminal(self)
-        # What the board itself has to say would stand between the monitor's lines.
+        # The board's own messages would appear between the monitor's lines.
         command = [support.program("VIRTUAL_BOARD"), *options]
         self.terminal.start(command, stderr=subprocess.DEVNULL)
         self.terminal.screen.until(START)
 
     def capture(self, count):
-        """The port option that brings in so many frames."""
+        """The port option that brings in that many frames."""
         folder = tempfile.TemporaryDirectory()
         self.addCleanup(folder.cleanup)
         path = os.path.join(folder.name, "in")
@@ -169,7 +169,7 @@ class VirtualBoard(Operator, unittest.TestCase):
     def test_release_shows_the_frame_first(self):
         self.start("--fault", "hang:release", "--lan", self.capture(1))
         self.enter(b"frame r")
-        # Somebody else's address.
+        # Another station's address.
         self.terminal.screen.shows(b"Packet length=0x040    reason=0x04\n\r")
         self.terminal.screen.shows(frames.dump(frames.buffer_of(0), PACKET))
         self.give_up(b"")
@@ -252,7 +252,7 @@ class VirtualBoard(Operator, unittest.TestCase):
         self.terminal.type(b"x\rkept\r")
         self.terminal.screen.shows(b"kept\r\n" + UNKNOWN + PROMPT)
 
-    def test_too_much_behind_the_beginning_of_a_line(self):
+    def test_too_much_after_the_beginning_of_a_line(self):
         """The editor holds it when a frame makes the packet service wait."""
         folder = tempfile.TemporaryDirectory()
         self.addCleanup(folder.cleanup)
@@ -272,7 +272,7 @@ class VirtualBoard(Operator, unittest.TestCase):
             self.terminal.screen.shows(b" = 77\r\n" + UNKNOWN + PROMPT)
 
     def test_keys_get_through_between_waits_of_the_service(self):
-        """Each frame waits in vain; a key that comes behind a Ctrl-C is taken before the next."""
+        """Each frame waits in vain; a key typed after a Ctrl-C is taken before the next."""
         self.start("--fault", "hang:tx", "--lan", self.capture(100))
         self.enter(b"frame r = forward")
         for key in b"frame r = manual\r":
@@ -283,7 +283,7 @@ class VirtualBoard(Operator, unittest.TestCase):
         self.terminal.type(CTRL_C + b"zz\r")
         self.terminal.screen.until(b"zz\r\n" + UNKNOWN + PROMPT)
 
-    def test_ctrl_c_behind_too_much(self):
+    def test_ctrl_c_after_too_much(self):
         self.start("--fault", "hang:l3")
         self.enter(b"l3 0")
         self.terminal.type(4000 * b"x")
@@ -303,7 +303,7 @@ class VirtualBoard(Operator, unittest.TestCase):
         self.terminal.screen.shows(b"l3 0\r\nL3 Read failed\n\r" + PROMPT)
         self.assertLess(time.monotonic() - begin, LONGEST)
 
-    def test_behind_a_lot_of_input(self):
+    def test_after_a_lot_of_input(self):
         self.start("--fault", "hang:l3")
         self.enter(b"l3 0")
         for _ in range(40):

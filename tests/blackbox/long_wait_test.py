@@ -1,4 +1,4 @@
-"""What virtual-board tells of waits that do not end."""
+"""What virtual-board says about waits that do not end."""
 
 import os
 import re
@@ -31,8 +31,8 @@ WAITS = [
 
 class Waits(board.BoardTest):
     def message(self, arguments, script=None):
-        """The one line on standard error of a board that waits for ever, found by what is
-        behind it: nothing, although many more looks are taken."""
+        """The only line on standard error of a board that waits forever: nothing follows it,
+        although many more looks are taken."""
         # pylint: disable=consider-using-with
         process = subprocess.Popen(
             [BOARD, *arguments], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
@@ -44,7 +44,7 @@ class Waits(board.BoardTest):
             process.stdin.flush()
         line = process.stderr.readline().decode()
         used = support.processor_seconds(process)
-        # Time for at least ten looks, each behind 10,000 loads.
+        # Time for at least ten looks, each after 10,000 loads.
         self.wait_for(lambda: support.processor_seconds(process) > used + 0.05)
         os.set_blocking(process.stderr.fileno(), False)
         self.assertIsNone(process.stderr.read())
@@ -59,7 +59,7 @@ class Waits(board.BoardTest):
                 self.assertEqual(line, wanted + " after 100000 loads" + WITHOUT_TERMINAL + "\n")
 
     def test_release(self):
-        """The packet service gives a buffer back between two commands."""
+        """The packet service releases a buffer between two commands."""
         path = self.path("port")
         self.start("--lan", "unix:" + path, "--fault", "hang:release")
         self.command(b"frame r = auto")
@@ -71,7 +71,7 @@ class Waits(board.BoardTest):
     def test_word_that_is_never_a_number(self):
         command = "qos = 1 2 3 4 5 6 zz"
         line = self.message(["-c", command])
-        wanted = f"virtual-board: '{command}' reads a word again and again that will never be a"
+        wanted = f"virtual-board: '{command}' keeps reading a word that will never be a"
         wanted += " number; no register is involved" + WITHOUT_TERMINAL + "\n"
         self.assertEqual(line, wanted)
 
@@ -81,7 +81,7 @@ class Waits(board.BoardTest):
         self.assertIn(WITHOUT_TERMINAL, line)
 
     def test_terminal(self):
-        """Ctrl-C ends the wait; the next one is told of anew."""
+        """Ctrl-C ends the wait; the next one is reported again."""
         terminal = support.Terminal(self)
         terminal.start([BOARD, "--fault", "hang:l3", "--fault", "hang:arp"])
         terminal.screen.until(BANNER + PROMPT)
@@ -114,7 +114,7 @@ class Waits(board.BoardTest):
         self.assertEqual(process.wait(support.DEADLINE), 0)
 
     def test_waits_with_an_end_of_their_own(self):
-        """Dead PHYs and resets are waited for so many looks and no longer."""
+        """Waits for dead PHYs and resets end after a fixed number of looks."""
         options = ("--fault", "hang:mii", "--fault", "hang:reset", "--fault", "slow:l3:99000")
         commands = [f"-c{line}" for line in ("mii 1 1", "maccfg wan", "reset cpu", "l3 5")]
         done = support.run([BOARD, *options, *commands])

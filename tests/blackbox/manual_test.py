@@ -10,7 +10,7 @@ the shell. Sessions are typed on a board of their own, and the terminal then sho
     Debug>> l3 5
     L3 Read failed
 
-In the others "$ " begins a line for the shell, "> " continues it, and below stands what it prints.
+In other examples "$ " begins a line for the shell, "> " continues it, and its output follows.
 The shell finds the programs in PATH and a capture in.pcap of one frame in its folder. Blocks with
 unshare or nsenter need a network of their own; tap_test.py does what they show.
 """
@@ -170,7 +170,7 @@ def sections(path, macro):
 
 class Completeness(BoardTest):
     def help(self, *words):
-        """The answer to help, its broken lines whole again."""
+        """The answer to help, its wrapped lines joined again."""
         answer = self.command(" ".join(["help", *words]).encode()).decode()
         return answer.replace("\n\r\t   ", "").replace("\r", "")
 

@@ -57,7 +57,7 @@ class OneShot(BoardRun):
     def test_long_option_and_attached_argument(self):
         self.expect(["--command=zz", "-czz", "--plain"], plain(2 * UNKNOWN), status=3)
 
-    def test_brackets_are_no_list(self):
+    def test_brackets_are_not_a_list(self):
         self.expect(["--plain", *commands("[zz,zz]")], plain(UNKNOWN), status=3)
 
     def test_plain_answers(self):
@@ -80,7 +80,7 @@ class OneShot(BoardRun):
         self.expect(["--plain"], plain(ROUTE), script=b"l3 6\x085\nexit\nzz\n")
         self.expect(["--plain"], b"", script=b"")
 
-    def test_frames_that_are_shown_are_no_echo(self):
+    def test_shown_frames_are_not_an_echo(self):
         octets = frames.frame(16, frames.BROADCAST)
         with tempfile.NamedTemporaryFile() as capture:
             frames.write_pcap(capture.name, [octets])

@@ -236,7 +236,7 @@ class Chip(unittest.TestCase):
 
     def test_bytes_of_the_uart(self):
         lines = b"".join(b"uart thr = %x\n" % byte for byte in (0x41, 0x0A, 0xFF))
-        # A divisor is no byte that is sent.
+        # A divisor is not a byte that is sent.
         lines += b"uart dll = 42\nuart thr = 0\n"
         with tempfile.TemporaryDirectory() as folder:
             path = os.path.join(folder, "uart")

@@ -54,7 +54,7 @@ class Exchange(SocketTest):
         self.command(b"arp auto")
         cases = [
             (OWN_IP, arp_reply(OWN_IP, PEER_IP)),
-            # A request for somebody else is answered with its own addresses.
+            # A request for another station is answered with its own addresses.
             (OTHER_IP, arp_reply(PEER_IP, OTHER_IP)),
         ]
         record = []
@@ -93,7 +93,7 @@ class Exchange(SocketTest):
             peer = self.connect(self.lan)
 
     def test_a_program_that_does_not_read_loses_frames(self):
-        """The monitor goes on."""
+        """The monitor continues."""
         self.start_with_peer()
         line = b"frame t 5ea 1 lan 0 low\n"
         self.type(500 * line)
@@ -192,7 +192,7 @@ class Counters(SocketTest):
         return {name: int(value, 16) for name, value in pairs if int(value, 16) != 0}
 
     def test_known_traffic(self):
-        """Lengths at both edges of each size class; four bytes of check sequence come on top."""
+        """Lengths at both edges of each size class; the four bytes of the FCS are added."""
         lengths = [20, 59, 60, 61, 123, 124, 251, 252, 507, 508, 1019, 1020, 1514, 1524]
         good = [frames.frame(length) for length in lengths]
         good += [frames.frame(100, frames.BROADCAST), frames.frame(200, frames.GROUP)]
@@ -232,8 +232,8 @@ class Counters(SocketTest):
         )
         self.assertEqual(self.counters(b"dmz"), {})
 
-    def test_what_nobody_takes_is_dropped(self):
-        """240 buffers for received frames, and nobody who empties them."""
+    def test_frames_that_are_not_taken_are_dropped(self):
+        """240 buffers for received frames, and nothing that empties them."""
         peer = self.start_with_peer()
         for number in range(300):
             peer.send(frames.frame(60, number=number))
@@ -312,7 +312,7 @@ class Load(SocketTest):
             peer.send(arp_request(OWN_IP))
             peer.recv(4096)
             waits.append(time.monotonic() - begin)
-        # The quicker ones: on a busy machine the others tell about the machine.
+        # The quicker ones: on a busy machine the rest measure the machine.
         self.assertLess(sorted(waits)[len(waits) // 4], 0.002)
 
 
@@ -334,7 +334,7 @@ class CommandLine(board.BoardTest):
         self.expect(["--wan", "--lan"], 2, "--wan", "'--lan'")
         self.expect(["--wan", "none", "--wan", "none"], 2, "--wan")
 
-    def test_help_tells_the_kinds(self):
+    def test_help_names_the_kinds(self):
         text = support.run([BOARD, "--help"]).stdout
         for piece in (b"--wan X", b"--lan X", b"--dmz X", b"--realtime", b"--capture FILE",
                       b"--uart FILE", b"--gpio-in HEX", b"tap:NAME", b"pcap:IN,OUT",

@@ -1,4 +1,4 @@
-"""The console of virtual-board on a pseudo-terminal of its own, for terminal programs."""
+"""The console of virtual-board on its own pseudo-terminal, for terminal programs."""
 
 import os
 import shutil
@@ -41,7 +41,7 @@ class Clients(PtyTest):
     def test_two_clients_one_after_the_other(self):
         self.start()
         first = self.talk(b"l3 f\n", START + b"l3 f\r\nFilter L3: DISABLE\n\r" + PROMPT)
-        # Its end is no end of the console, and leaves nothing behind.
+        # Its end does not end the console, and leaves nothing behind.
         self.leave(first)
         second = self.talk(b"zz\n", b"zz\r\n" + UNKNOWN + PROMPT)
         self.assertIsNone(self.board.poll())
@@ -107,7 +107,7 @@ class Link(PtyTest):
         self.board.wait(support.DEADLINE)
         self.assertEqual(os.readlink(self.link), "elsewhere")
 
-    def test_what_is_there_already_stays(self):
+    def test_existing_file_stays(self):
         os.symlink("elsewhere", self.link)
         done = support.run([support.program("VIRTUAL_BOARD"), "--pty", self.link])
         self.assertEqual(done.returncode, 1)

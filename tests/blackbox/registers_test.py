@@ -544,7 +544,7 @@ class Use(unittest.TestCase):
         return found
 
     def sessions(self):
-        """Accesses of the typed lines of all sessions, but for `reg`, which reaches anything, and a
+        """Accesses of the typed lines of all sessions, except `reg`, which reaches anything, and a
         hardware reset, whose pause is a million loads."""
         found = set()
         with tempfile.TemporaryDirectory() as folder:
@@ -568,7 +568,7 @@ class Use(unittest.TestCase):
 
 
 def typed_lines(session):
-    """The lines that a session types, but for those that would not end here."""
+    """The lines that a session types, except those that would not end here."""
     lines = []
     ends = True
     for line in session.splitlines():
@@ -600,7 +600,7 @@ class CommandLine(unittest.TestCase):
             message = f"virtual-board: --registers: there is no format '{form}'; known are text, "
             self.assertEqual(done.stderr.decode(), message + "svd, json\n")
 
-    def test_format_is_no_word_of_its_own(self):
+    def test_format_is_not_a_separate_word(self):
         done = support.run([BOARD, "--registers", "svd"])
         self.assertEqual((done.returncode, done.stdout), (2, b""))
         self.assertIn(b"'svd'", done.stderr)

@@ -1,5 +1,5 @@
 """Rough use of both programs: output that cannot be delivered, or only bit by bit; input that never
-seems to end, or breaks. Nothing is lost behind an exit status of 0."""
+seems to end, or breaks. Nothing is lost when the exit status is 0."""
 
 import fcntl
 import os
@@ -145,8 +145,8 @@ class Program:
         self.assertEqual(monitor.wait(support.DEADLINE), 0)
 
     def feed(self, text, answer):
-        """Feeds a program with input; it answers exactly that, with so many kilobytes of memory at
-        most."""
+        """Feeds a program with input; it answers exactly that, with at most that many kilobytes of
+        memory."""
         monitor = self.start()
 
         def write():
@@ -155,7 +155,7 @@ class Program:
 
         writer = threading.Thread(target=write, daemon=True)
         writer.start()
-        # A program that answers too little is not waited for.
+        # Does not wait for a program that answers too little.
         timer = threading.Timer(4 * support.DEADLINE, monitor.kill)
         timer.start()
         self.addCleanup(timer.cancel)
@@ -182,7 +182,7 @@ class Program:
         self.assertLess(memory[1], memory[0] + SAME_MEMORY)
 
     def test_one_line_of_ten_megabytes(self):
-        """All of it is echoed, with a line break behind the 71st and the 151st character."""
+        """All of it is echoed, with a line break after the 71st and the 151st character."""
         memory = []
         for count in (1000, 10 * MEGABYTE):
             echo = 71 * b"x" + b"\n\r" + 80 * b"x" + b"\n\r" + (count - 151) * b"x"
@@ -240,7 +240,7 @@ class VirtualBoard(Program, unittest.TestCase):
 
     @unittest.skipIf(kernel_memory.WHY_NOT, kernel_memory.WHY_NOT)
     def test_disk_of_a_file_fills_up(self):
-        """One message; the session goes on to its end and tells by its status."""
+        """One message; the session continues to its end and reports it by its status."""
         traffic = [frames.frame(1000, number=number) for number in range(100)]
         frames.write_pcap(os.path.join(self.folder, "in"), traffic)
         disk = os.path.join(self.folder, "disk")

@@ -191,7 +191,7 @@ class Restart(StateTest):
 
     def test_running_operation(self):
         """Started by hand; its second status load completes it, in the life after the first."""
-        # `reg` loads the byte once behind its store.
+        # `reg` loads the byte once after its store.
         lines = b"l3 5 = 10.1.2.9 20 10.1.2.1 lan 0 0\nl3 6\nreg 60e = 5\nreg 60d = 6\n"
         self.assertEqual(self.save(lines)["l3"]["engine"]["loads_left"], 1)
         shown = self.run_board(b"reg 603\nreg 60d\nreg 603\n", "--load", self.path("saved"))
@@ -449,7 +449,7 @@ class Damaged(StateTest):
         self.text = self.content("saved")
 
     def refused(self, content, *pieces):
-        """The board tells why it does not start; nothing is run, nothing is saved."""
+        """The board says why it does not start; nothing is run, nothing is saved."""
         path = self.write("damaged", content)
         other = self.write("other", b"as it was")
         ports = ("--capture", self.path("capture"), "--trace", self.path("trace"))
@@ -472,7 +472,7 @@ class Damaged(StateTest):
                 self.refused(json.dumps(state).encode(), reason)
 
     def test_cut_short(self):
-        """Wherever it is cut, but in front of the last line end."""
+        """Wherever it is cut, except before the last line end."""
         for length in range(0, len(self.text) - 2, len(self.text) // 40):
             with self.subTest(length):
                 self.refused(self.text[:length], "parse error at line ")
@@ -654,7 +654,7 @@ class Saving(StateTest):
         self.assertIn("format", json.loads(self.content("saved")))
 
     def failed(self, done, reason):
-        """The session went on to its end; the old file is intact, and nothing is left beside it."""
+        """The session ran to its end; the old file is intact, and nothing is left next to it."""
         self.assertEqual(done.returncode, 1)
         self.assertTrue(done.stdout.endswith(support.UNKNOWN + support.PROMPT))
         self.assertIn(f"cannot save the state in '{self.path('saved')}': {reason}\n",
@@ -689,7 +689,7 @@ class Saving(StateTest):
 
     @unittest.skipIf(WHY_NO_MOUNTS, WHY_NO_MOUNTS)
     def test_read_only_disk(self):
-        """Found out before the session, not behind it."""
+        """Found out before the session, not after it."""
         done, after = self.on_a_small_disk(f"mount -o remount,ro {self.folder}")
         self.assertEqual((done.returncode, done.stdout), (1, b""))
         self.assertIn(b"Read-only file system", done.stderr)
@@ -736,7 +736,7 @@ class Signals(StateTest):
         self.assertEqual(self.board.wait(support.DEADLINE), -signal.SIGTERM)
         self.assertEqual(self.saved_entries(), [])
 
-    def test_failure_is_told(self):
+    def test_failure_is_reported(self):
         limited = ["sh", "-c", 'ulimit -f 1; exec "$@"', "sh"]
         self.start("--save", self.path("saved"), before=limited)
         self.board.send_signal(signal.SIGTERM)
@@ -779,7 +779,7 @@ class Killed(StateTest):
 
     def run_traced(self, script, stops):
         """Runs a board, stopping at the beginning and end of each of its system calls, and kills
-        it so many stops behind the one at which there was a temporary file; how many there were.
+        it that many stops after the one at which there was a temporary file; how many there were.
         How many come before differs from run to run."""
         with open(script, "rb") as lines:
             # pylint: disable=consider-using-with

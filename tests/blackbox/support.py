@@ -98,7 +98,7 @@ class Screen:
 
 
 def on_terminal(fd):
-    """In the child: a session of its own, whose terminal is that of the descriptor."""
+    """In the child: starts a session whose terminal is that of the descriptor."""
     die_quietly()
     os.setsid()
     os.close(os.open(os.ttyname(fd), os.O_RDWR))

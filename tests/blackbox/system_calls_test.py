@@ -48,7 +48,7 @@ WHY_NOT = why_not()
 
 
 class Run:
-    """A session under strace, which lets calls fail as `inject` says: "write:error=EIO:when=3"."""
+    """A session under strace, which makes calls fail as `inject` says: "write:error=EIO:when=3"."""
 
     def __init__(self, session, inject=None, endless=False):
         self.inject = inject
@@ -155,7 +155,7 @@ class SystemCallTest(unittest.TestCase):
             self.assertEqual(run.status, Monitor.STATUS[call])
         else:
             self.assertEqual(run.status, 1, run.errors)
-            # Nothing can be said where nothing can be written.
+            # No message is possible where nothing can be written.
             if (call, for_good) != ("write", True):
                 self.assertIn(os.strerror(getattr(errno, error)), run.errors)
         # A terminal that refuses to be set stays as it is.

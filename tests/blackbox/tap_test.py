@@ -16,7 +16,7 @@ from support import UNKNOWN
 ROOT = os.geteuid() == 0
 NAMESPACE = ["unshare", "--net"] if ROOT else ["unshare", "--net", "-r"]
 
-# In its own namespace the kernel says nothing of itself on the device.
+# In its own namespace the kernel sends nothing by itself on the device.
 QUIET = 'echo 1 > /proc/sys/net/ipv6/conf/default/disable_ipv6 2>/dev/null; exec "$@"'
 INSIDE = [*NAMESPACE, "sh", "-c", QUIET, "sh"]
 
@@ -25,7 +25,7 @@ TOOLS.update({"unshare": "util-linux", "nsenter": "util-linux"})
 
 
 def why_not():
-    """What is missing for a TAP device in a namespace of our own, or None."""
+    """What is missing for a TAP device in our own namespace, or None."""
     os.environ["PATH"] += ":/usr/sbin:/sbin"
     for tool, package in TOOLS.items():
         if shutil.which(tool) is None:
@@ -154,9 +154,9 @@ class Device(TapTest):
         self.assertIn(",UP,", flags)
 
     def link_is_up(self):
-        """What the PHY of the LAN port tells."""
+        """What the PHY of the LAN port reports."""
         self.command(b"mii 2 1")
-        # The first look told of what was lost in the past.
+        # The first read showed what was lost in the past.
         status = re.search(rb"VALUE: (\w{4})", self.command(b"mii 2 1"))
         return int(status[1], 16) & 0x0004 != 0
 
@@ -200,8 +200,8 @@ class NoRight(board.BoardTest):
 
     @unittest.skipIf(shutil.which("setpriv") is None, "there is no setpriv (package util-linux)")
     def test_says_what_is_missing(self):
-        nobody = ["setpriv", "--reuid=65534", "--regid=65534", "--clear-groups"] if ROOT else []
-        self.expect_refusal(nobody, "dm-test0", "CAP_NET_ADMIN", "run as root")
+        user = ["setpriv", "--reuid=65534", "--regid=65534", "--clear-groups"] if ROOT else []
+        self.expect_refusal(user, "dm-test0", "CAP_NET_ADMIN", "run as root")
 
     @unittest.skipIf(WHY_NOT, WHY_NOT)
     def test_bad_names(self):

@@ -97,7 +97,7 @@ class Restored(TerminalTest):
                 self.assertEqual(self.terminal.status(), -number)
                 self.expect_restored()
 
-    def test_mode_comes_back_behind_a_stop(self):
+    def test_mode_comes_back_after_a_stop(self):
         self.start()
         self.terminal.screen.until(START)
         mode = self.terminal.settings()

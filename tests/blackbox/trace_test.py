@@ -171,7 +171,7 @@ class Content(TraceTest):
         self.assertEqual(trace, "# reg 1f00 = a5\nw8 1f00 a5\nr8 1f00 a5\n")
 
     def test_frame_that_is_sent(self):
-        """The transmission is done at the second load behind the start."""
+        """The transmission is done at the second load after the start."""
         trace = self.run_board(b"frame t 40 1 lan 2 high\n")
         events = [line.split("  ")[0] for line in trace.splitlines()]
         wanted = ["# frame t 40 1 lan 2 high", "r16 010c 0100 x2", "map 0100", "lock"]
@@ -228,7 +228,7 @@ class Content(TraceTest):
     def test_refused_line_touches_nothing(self):
         self.assertEqual(self.run_board(b"l3 40\nl3 0 = 1.2.3\n"), "")
 
-    def test_old_content_goes(self):
+    def test_old_content_is_replaced(self):
         self.run_board(b"l3 5\n")
         self.assertEqual(self.run_board(b"zz\n"), "")
 

@@ -27,9 +27,9 @@ class Board:
 
     KEYS = b"version\rl3 0\rframe r\ruart thr = 41\rframe t 40 1 lan 0 low\rexit\r"
     FILES = ("trace", "record", "out", "uart")
-    # The first call of our own, behind those of the loader.
+    # The program's first call, after those of the loader.
     FIRST = "fcntl(0, F_GETFD)"
-    # Failures with which the program goes on for ever: (call, from then on).
+    # Failures with which the program continues forever: (call, from then on).
     ENDLESS = ()
 
     def command(self, folder, strace):
@@ -94,7 +94,7 @@ class Terminal:
         return termios.tcgetattr(self.fd) == self.before
 
     def output(self):
-        """All that was written; nobody writes any more."""
+        """All that was written; nothing more is to come."""
         os.write(self.fd, END)
         text = b""
         while END not in text:

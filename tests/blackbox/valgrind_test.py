@@ -18,7 +18,7 @@ VALGRIND = [
     f"--suppressions={SUPPRESSIONS}",
 ]
 
-# A line of each command. The table engines stand still: their ready bits are clear, so each of
+# A line of each command. The table engines do not run: their ready bits are clear, so each of
 # these ends by itself. (pdr starts its engine without a look at them; see below.)
 LINES = b"""help
 help clsfr
@@ -85,7 +85,7 @@ class Memcheck(kernel_memory.KernelMemoryTest):
 
     def test_a_line_of_each_command(self):
         shown = self.run_both(LINES + b"exit\n")
-        # Every line was answered: one prompt at the start and one behind each but the last.
+        # Every line was answered: one prompt at the start and one after each but the last.
         self.assertEqual(shown.count(support.PROMPT), 1 + LINES.count(b"\n"))
         self.assertIn(b"MCAST Write failed\n\r", shown)
 

@@ -72,7 +72,7 @@ TEST_F(TableEngine, AResetForgetsTheOperationButNotTheFault) {
   EXPECT_EQ(operations_, Operations{});
 }
 
-TEST_F(TableEngine, TellsOfTheEndOfEachOperation) {
+TEST_F(TableEngine, ReportsTheEndOfEachOperation) {
   unsigned ends = 0;
   engine_.on_end = [&] { ++ends; };
   for (const Fault::Kind kind : {Fault::Kind::kNone, Fault::Kind::kFail}) {
@@ -272,7 +272,7 @@ TEST_F(ResultEngine, SharesItsDoneBitBetweenReadsAndWrites) {
   EXPECT_EQ(Load() & 0x80, 0x80);
 }
 
-TEST_F(ResultEngine, TellsTheResultOfEachOperation) {
+TEST_F(ResultEngine, ReportsTheResultOfEachOperation) {
   Store(0x01);
   EXPECT_EQ(Load(), 0x01);
   EXPECT_EQ(Load(), 0xC1);

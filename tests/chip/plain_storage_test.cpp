@@ -35,7 +35,7 @@ TEST(StorageModel, KeepsEveryBitUntilReset) {
   EXPECT_TRUE(chip.registers.Complaints().empty());
 }
 
-TEST(StorageModel, TheHoleAmongTheStationAddressesBelongsToNobody) {
+TEST(StorageModel, TheGapInTheStationAddressesIsUnmapped) {
   RouterChip chip;
   (void)chip.registers.Load(0x414, 4);
   EXPECT_EQ(chip.registers.Complaints().count("no register at 0414"), 1U);

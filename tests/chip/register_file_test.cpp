@@ -218,7 +218,7 @@ TEST_F(Registers, AStoreHookFindsItsRegisterStored) {
   EXPECT_EQ(found, 0xA5);
 }
 
-TEST_F(Registers, HooksOfARunAreToldOfEachByte) {
+TEST_F(Registers, HooksOfARunAreCalledForEachByte) {
   file_.Define(RegBytes<4>{0x108}, {.before_load = NoteLoad("byte"), .after_store = Note("byte")});
   file_.Store(0x108, 4, 0x01020304);
   EXPECT_EQ(TakeNotes(), (Notes{"byte 1", "byte 2", "byte 3", "byte 4"}));
@@ -226,7 +226,7 @@ TEST_F(Registers, HooksOfARunAreToldOfEachByte) {
   EXPECT_EQ(TakeNotes(), (Notes{"byte", "byte"}));
 }
 
-TEST_F(Registers, GetAndSetWorkBesideTheBus) {
+TEST_F(Registers, GetAndSetBypassTheBus) {
   static constexpr Reg16 kReg{0x102, "REG"};
   static constexpr RegBytes<3> kRun{0x108};
   unsigned seen = 0;
@@ -241,14 +241,14 @@ TEST_F(Registers, GetAndSetWorkBesideTheBus) {
   EXPECT_EQ(seen, 0U);
 }
 
-TEST_F(Registers, OffsetsOfNobodyAreStorageAndComplainedAbout) {
+TEST_F(Registers, UnmappedOffsetsAreStorageAndComplainedAbout) {
   file_.Store(0x300, 2, 0x1234);
   EXPECT_EQ(file_.Load(0x300, 2), 0x1234U);
   EXPECT_EQ(file_.Load(0x301, 1), 0x34U);
   EXPECT_EQ(TakeComplaints(), (Counts{{"no register at 0300", 2}, {"no register at 0301", 3}}));
 }
 
-TEST_F(Registers, OffsetsOfNobodyBesideARegisterAreStorageToo) {
+TEST_F(Registers, UnmappedOffsetsNextToARegisterAreStorageToo) {
   file_.Define(Reg8{0x301}, {.read_only = 0x0F, .after_store = Note("reg")});
   file_.Store(0x300, 4, 0xAABBCCDD);
   EXPECT_EQ(file_.Load(0x300, 4), 0xAAB0CCDDU);

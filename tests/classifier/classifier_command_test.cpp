@@ -1,4 +1,4 @@
-// What only a bus of our own can show of `clsfr`: failures behind the first step, and that a
+// What only a scripted bus can show of `clsfr`: failures after the first step, and that a
 // refused line touches nothing.
 #include <gtest/gtest.h>
 
@@ -22,7 +22,7 @@ std::string ReadStep(const std::string& index) {
   )";
 }
 
-/// The loads behind a read step of a rule without optional fields.
+/// The loads after a read step of a rule without optional fields.
 std::string PlainLoads(const std::string& control) {
   return "r32 071c " + control + R"(
     r8  0718 00
@@ -217,7 +217,7 @@ TEST(ClsfrCommand, RulesWithoutAnOverflowBitRunTheOperationsAndReadAsClear) {
   }
 }
 
-TEST(ClsfrCommand, ACountBehindTheEndOfTheChainReadsRule255) {
+TEST(ClsfrCommand, ACountPastTheEndOfTheChainReadsRule255) {
   ScriptedBus bus(("r8 0722 83\n" + ReadStep("03") + PlainLoads("00000201")).c_str());
   const Outcome outcome = RunLine("clsfr l 2");
   EXPECT_EQ(outcome.result, kFailed);
@@ -230,7 +230,7 @@ TEST(ClsfrCommand, ACountBehindTheEndOfTheChainReadsRule255) {
             "CLS Read failed\n\r");
 }
 
-TEST(ClsfrCommand, ALinkThatIsNoRuleEndsTheListingInFailure) {
+TEST(ClsfrCommand, ALinkToANonexistentRuleEndsTheListingInFailure) {
   ScriptedBus bus(("r8 0722 03\n" + ReadStep("03") + PlainLoads("80000001")).c_str());
   const Outcome outcome = RunLine("clsfr l");
   EXPECT_EQ(outcome.result, kFailed);
@@ -414,16 +414,16 @@ TEST(ClsfrCommand, InterfaceWordsGoToTheGroupInUpToFourPasses) {
   // Four passes take up to sixteen words.
   ExpectWords("int wan lan dmz cpu wan lan dmz cpu wan lan dmz cpu wan lan dmz cpu cpu",
               Stores("01090001", "3f"));
-  // A CPU in front of the group is the action, one behind it an interface.
+  // A CPU before the group is the action, one after it an interface.
   ExpectWords("cpu int lan", Stores("01090001", "32"));
   ExpectWords("int lan cpu", Stores("01010001", "3a"));
   ExpectWords("int lan filter cpu", Stores("010d0001", "32"));
-  // A later group starts afresh.
+  // A later group starts anew.
   ExpectWords("int wan lan eg int dmz", Stores("01010001", "24"));
 }
 
 TEST(ClsfrCommand, AnInterfaceGroupEndsWithTheLine) {
-  // Words of an earlier line stand behind the group.
+  // Words of an earlier line follow the group.
   ASSERT_EQ(RunLine("clsfr o 1 1 1 1 wan lan dmz cpu").result, kDone);
   ExpectWords("int", Stores("01010001", "30"));
   ASSERT_EQ(RunLine("clsfr o 1 1 1 1 wan lan dmz cpu").result, kDone);

@@ -220,7 +220,7 @@ TEST(Classifier, ANextByteOfFfEndsTheChainWithoutTheEndBitToo) {
   EXPECT_EQ(rule.next, 255);
 }
 
-TEST(Classifier, ABusyEngineStopsAReadBehindTheIndexWithTheRecordUntouched) {
+TEST(Classifier, ABusyEngineStopsAReadAfterTheIndexWithTheRecordUntouched) {
   for (const char* const command : {"00", "01", "02", "fc", "fd", "fe"}) {
     const std::string transcript = std::string("w8 0721 05\n r8 0720 ") + command;
     ScriptedBus bus(transcript.c_str());
@@ -336,7 +336,7 @@ TEST(Classifier, AFullRuleStoresEveryRegisterInOrderCutToItsField) {
   EXPECT_TRUE(SameRule(ClsShadow[126], {}));
 }
 
-TEST(Classifier, ABusyEngineStopsAWriteBehindTheDataRegisters) {
+TEST(Classifier, ABusyEngineStopsAWriteAfterTheDataRegisters) {
   ClsClearShadow();
   ScriptedBus bus(R"(
     lock
@@ -582,7 +582,7 @@ TEST(Classifier, ACounterIsReadWithTheRule) {
   EXPECT_EQ(value, 0x12345678U);
 }
 
-TEST(Classifier, ACounterWriteLeavesBothDoneBitsBehindBeforeTheLockIsReleased) {
+TEST(Classifier, ACounterWriteLeavesBothDoneBitsSetBeforeTheLockIsReleased) {
   ScriptedBus bus(R"(
     lock
     w8  0721 05

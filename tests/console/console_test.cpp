@@ -14,7 +14,7 @@ namespace {
 
 const std::string kWrap = "\n\r\t   ";
 
-/// Every test begins right behind a line end, at column 1.
+/// Every test begins right after a line end, at column 1.
 class Console : public testing::Test {
  protected:
   void SetUp() override { ClearConsole(); }
@@ -35,14 +35,14 @@ TEST_F(Console, LineEndsAreNotTranslated) {
 }
 
 // The line end itself counts as the first character of the line that it begins.
-TEST_F(Console, BehindALineEndTheWrapComesBeforeThe80thCharacter) {
+TEST_F(Console, AfterALineEndTheWrapComesBeforeThe80thCharacter) {
   Puts(Xs(79));
   EXPECT_EQ(TakeOutput(), Xs(79));
   Puts("y");
   EXPECT_EQ(TakeOutput(), kWrap + "y");
 }
 
-// Only a process that has printed nothing yet stands at column 0.
+// Only a process that has printed nothing yet is at column 0.
 TEST(ConsoleDeathTest, AtTheVeryStartTheWrapComesBeforeThe81stCharacter) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   const auto starts_at_column_0 = [] {
@@ -218,7 +218,7 @@ TEST_F(Console, EachLineIsWrittenBeforeTheNextBytesAreLoaded) {
   EXPECT_EQ(g_fetched[0].address, 0xFFFFFFFCU);
   EXPECT_EQ(g_fetched[0].count, 4U);
   EXPECT_EQ(g_fetched[0].printed_before, "");
-  // Addresses go on at 0 behind the last one.
+  // Addresses continue at 0 after the last one.
   EXPECT_EQ(g_fetched[1].address, 0U);
   EXPECT_EQ(g_fetched[1].count, 16U);
   EXPECT_EQ(g_fetched[1].printed_before,

@@ -18,7 +18,7 @@ std::string Cut(std::size_t size, std::type_identity_t<Format<Args...>> format,
   const std::size_t length = FormatText(out.data(), size, format.Text(), list);
   EXPECT_LT(length, size);
   EXPECT_EQ(out[length], '\0');
-  EXPECT_EQ(out[size], '#') << "written behind the buffer";
+  EXPECT_EQ(out[size], '#') << "written past the buffer";
   return std::string(out.data(), length);
 }
 
@@ -111,7 +111,7 @@ TEST(FormatDecimal, AskedForDigitsBeginWithZeros) {
   EXPECT_EQ(Decimal(4294967295, 12, false), "004294967295");
 }
 
-TEST(FormatDecimal, CommasStandBetweenGroupsOfThreeFromTheEnd) {
+TEST(FormatDecimal, CommasSeparateGroupsOfThreeFromTheEnd) {
   EXPECT_EQ(Decimal(1234567, 0, true), "1,234,567");
   EXPECT_EQ(Decimal(999, 0, true), "999");
   EXPECT_EQ(Decimal(1000, 0, true), "1,000");

@@ -73,7 +73,7 @@ TEST_F(EngineHandshake, IsReadyWithBothReadyBits) {
   EXPECT_TRUE(EngineReady(kCommand));
 }
 
-// Each old value is a load of its own, so that what the engine changes meanwhile is kept.
+// Each old value is a separate load, so that what the engine changes meanwhile is kept.
 TEST_F(EngineHandshake, AReadStep) {
   ScriptedBus bus(R"(
     r8 0123 a3         # ready
@@ -161,7 +161,7 @@ TEST_F(EngineHandshake, ABusyEngineReleasesTheLock) {
   EXPECT_EQ(RunEngineUnlocking(kWrite, lock), DriverStatus::kNotReady);
 }
 
-TEST_F(EngineHandshake, AnEngineThatHangsIsLeftByCtrlC) {
+TEST_F(EngineHandshake, CtrlCEndsTheWaitForAHungEngine) {
   PressCtrlCInWaits(true);
   ScriptedBus bus(R"(
     lock

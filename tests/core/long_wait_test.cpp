@@ -72,14 +72,14 @@ TEST_F(LongWaits, WithoutCtrlCAWaitHasNoEnd) {
   EXPECT_EQ(TakeLooks(), 16U);
 }
 
-TEST_F(LongWaits, CtrlCEndsAWaitBehind100000Loads) {
+TEST_F(LongWaits, CtrlCEndsAWaitAfter100000Loads) {
   PressCtrlCInWaits(true);
   ScriptedBus bus("r8 0123 f7 x100000");
   EXPECT_EQ(WaitForBit(kStatus, kDone), DriverStatus::kNotReady);
   EXPECT_EQ(TakeLooks(), 1U);
 }
 
-TEST_F(LongWaits, TellAtEachLookWhatTheyWaitForAndWhetherItIsTheFirst) {
+TEST_F(LongWaits, ReportAtEachLookWhatTheyWaitForAndWhetherItIsTheFirst) {
   {
     ScriptedBus bus("r8 0123 00 x109999\n r8 0123 08");
     EXPECT_EQ(WaitForBit(kStatus, kDone), DriverStatus::kOk);

@@ -24,8 +24,8 @@ enum class Kind : std::uint8_t {
   kLook,  ///< WaitInterrupted.
 };
 
-/// The driver does something; the answer of a load, Map or look. Junk when the driver is not on
-/// the path any more.
-std::uint32_t Happen(Kind kind, std::uint32_t address = 0, std::uint32_t value = 0);
+/// The driver does something; the answer of a load, Map or look. Junk when the driver has left
+/// the path.
+std::uint32_t OnEvent(Kind kind, std::uint32_t address = 0, std::uint32_t value = 0);
 
 }  // namespace hostile

@@ -54,7 +54,7 @@ T Junk() {
   return value;
 }
 
-/// How an exploration is limited.
+/// The limits of an exploration.
 struct Limits {
   unsigned parts = kAllParts;  ///< Parts that may answer otherwise than on the first path.
 };
@@ -64,7 +64,7 @@ struct Limits {
 template <typename Result, typename... Parameters, typename... Arguments>
 void Explore(const Limits& limits, Result (*model)(Parameters...), Result (*driver)(Parameters...),
              const Arguments&... arguments) {
-  if (testing::Test::HasFailure()) return;  // One difference tells more than hundreds.
+  if (testing::Test::HasFailure()) return;  // One difference says more than hundreds.
   BeginExploration(limits.parts);
   do {
     std::tuple<std::remove_cvref_t<Parameters>...> wanted(arguments...);

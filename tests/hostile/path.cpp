@@ -102,7 +102,7 @@ void GoAstray(const std::string& got) {
 
 void Add(Kind kind, std::uint32_t address, std::uint32_t value, unsigned times = 1) {
   if (g_events.size() == kMostEvents) {
-    std::fputs("a model goes on without an end\n", stderr);
+    std::fputs("a model does not end\n", stderr);
     std::abort();
   }
   g_events.push_back({kind, address, value, times});
@@ -290,12 +290,11 @@ bool Await16Twice(std::uint32_t offset, std::uint16_t done, unsigned looks) {
   return true;
 }
 
-std::uint32_t Happen(Kind kind, std::uint32_t address, std::uint32_t value) {
+std::uint32_t OnEvent(Kind kind, std::uint32_t address, std::uint32_t value) {
   ++g_accesses;
   if (g_astray != 0) {
     if (++g_astray == kHopeless) {
-      std::fprintf(stderr, "a driver goes on without an end after it left the path\n%s\n",
-                   g_trouble.c_str());
+      std::fprintf(stderr, "a driver does not end after it left the path\n%s\n", g_trouble.c_str());
       std::abort();
     }
     return Random();

@@ -1,4 +1,4 @@
-// Paths through a driver operation on hardware that answers as it likes.
+// Paths through a driver operation on hardware that answers arbitrarily.
 //
 // A model of an operation runs first. It says which accesses the operation makes and what the
 // chip answers, and so writes the path; where a decision hangs on an answer it branches. Then the
@@ -14,7 +14,7 @@
 
 namespace hostile {
 
-// Accesses, called by the models. A load answers junk, another at each load, but for the bits in
+// Accesses, called by the models. A load answers junk, another at each load, except for the bits in
 // `branch`: those take all their values on different paths, and are all set on the first one, or
 // as in `first`.
 std::uint8_t R8(std::uint32_t offset, std::uint8_t branch = 0);
@@ -49,12 +49,12 @@ void Unlock();
 /// What was printed is handed to the output.
 void Flush();
 
-/// As many loads, whose answers do not matter.
+/// That many loads, whose answers do not matter.
 void Delay(std::uint32_t offset, unsigned loads);
 
 /// A wait without a limit: loads until the bit `done` is set, while the other bits in `status`
 /// answer as they like. It is set by the fourth load, or never: then the operator looks in at the
-/// 100,000th load, and false when he gives up.
+/// 100,000th load; false when the operator gives up.
 bool Await(std::uint32_t offset, std::uint8_t done, std::uint8_t status);
 
 // Waits with a limit of `loads` loads; false when the bits `done` were never all set together.

@@ -8,8 +8,8 @@
 #include "core/long_wait.h"
 #include "hostile/event.h"
 
-using hostile::Happen;
 using hostile::Kind;
+using hostile::OnEvent;
 
 namespace {
 
@@ -41,36 +41,36 @@ std::uint32_t FromMemory(Word word) {
 namespace monitor {
 
 std::uint8_t WindowLoad8(std::uint32_t offset) {
-  return static_cast<std::uint8_t>(Happen(Kind::kLoad8, offset));
+  return static_cast<std::uint8_t>(OnEvent(Kind::kLoad8, offset));
 }
 std::uint16_t WindowLoad16(std::uint32_t offset) {
-  return ToMemory<std::uint16_t>(Happen(Kind::kLoad16, offset));
+  return ToMemory<std::uint16_t>(OnEvent(Kind::kLoad16, offset));
 }
 std::uint32_t WindowLoad32(std::uint32_t offset) {
-  return ToMemory<std::uint32_t>(Happen(Kind::kLoad32, offset));
+  return ToMemory<std::uint32_t>(OnEvent(Kind::kLoad32, offset));
 }
 void WindowStore8(std::uint32_t offset, std::uint8_t value) {
-  Happen(Kind::kStore8, offset, value);
+  OnEvent(Kind::kStore8, offset, value);
 }
 void WindowStore16(std::uint32_t offset, std::uint16_t value) {
-  Happen(Kind::kStore16, offset, FromMemory(value));
+  OnEvent(Kind::kStore16, offset, FromMemory(value));
 }
 void WindowStore32(std::uint32_t offset, std::uint32_t value) {
-  Happen(Kind::kStore32, offset, FromMemory(value));
+  OnEvent(Kind::kStore32, offset, FromMemory(value));
 }
 
-bool MemoryMap(std::uint16_t base) { return Happen(Kind::kMap, base) != 0; }
+bool MemoryMap(std::uint16_t base) { return OnEvent(Kind::kMap, base) != 0; }
 std::uint8_t MemoryLoad8(std::uint32_t address) {
-  return static_cast<std::uint8_t>(Happen(Kind::kMemoryLoad8, address));
+  return static_cast<std::uint8_t>(OnEvent(Kind::kMemoryLoad8, address));
 }
 std::uint16_t MemoryLoad16(std::uint32_t address) {
-  return static_cast<std::uint16_t>(Happen(Kind::kMemoryLoad16, address));
+  return static_cast<std::uint16_t>(OnEvent(Kind::kMemoryLoad16, address));
 }
 void MemoryStore8(std::uint32_t address, std::uint8_t value) {
-  Happen(Kind::kMemoryStore8, address, value);
+  OnEvent(Kind::kMemoryStore8, address, value);
 }
 void MemoryStore16(std::uint32_t address, std::uint16_t value) {
-  Happen(Kind::kMemoryStore16, address, value);
+  OnEvent(Kind::kMemoryStore16, address, value);
 }
 void MemoryCopy(std::uint32_t to, std::uint32_t from, std::uint32_t count) {
   for (std::uint32_t i = 0; i < count; ++i) MemoryStore8(to + i, MemoryLoad8(from + i));
@@ -80,18 +80,18 @@ void MemoryCopy(std::uint32_t to, std::uint32_t from, std::uint32_t count) {
 void IrqLock(IrqState* saved) {
   *saved = 0xD1D1D100 + static_cast<IrqState>(g_saved.size());
   g_saved.push_back(*saved);
-  Happen(Kind::kLock);
+  OnEvent(Kind::kLock);
 }
 
 void IrqUnlock(IrqState saved) {
   const bool own = !g_saved.empty() && saved == g_saved.back();
   if (!g_saved.empty()) g_saved.pop_back();
-  Happen(Kind::kUnlock, own ? 0 : saved);
+  OnEvent(Kind::kUnlock, own ? 0 : saved);
 }
 
 int ConsoleReadChar() { return -1; }
 void ConsoleSend(const char* /*text*/, std::size_t /*count*/) {}
-void ConsoleFlush() { Happen(Kind::kFlush); }
+void ConsoleFlush() { OnEvent(Kind::kFlush); }
 void ConsoleWait(long /*microseconds*/) { std::abort(); }  // No driver operation sleeps.
 void ConsoleIdle(long /*microseconds*/) { std::abort(); }
 bool WaitInterrupted(const Awaited& /*awaited*/) { return Happen(Kind::kLook) != 0; }

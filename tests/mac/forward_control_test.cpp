@@ -10,7 +10,7 @@ namespace {
 TEST(ForwardControl, ReadLoadsEachRegisterOnce) {
   ScriptedBus bus(R"(
     r8  0105 fb        # all but WAN to WAN
-    r8  0107 5d        # mirror LAN, TTL, checksum, frg; bit 2 is nobody's
+    r8  0107 5d        # mirror LAN, TTL, checksum, frg; bit 2 is unused
     r8  0106 fe        # all but bit 0
     r8  0104 fb        # mode 2, ageoutbm
     r16 000c f5dc

@@ -65,7 +65,7 @@ TEST_F(FrameCommandLine, TransmitFormsTheAddressFromTheBaseBeforeTheDriverLoadsI
                  )",
                  kDone),
             "");
-  // The class is the driver's to refuse: the address has been formed by then.
+  // The driver refuses the class: by then the address has been formed.
   EXPECT_EQ(Type("frame t 40 1 wan 4 low", "r16 010c 1234", kFailed), "MAC Tx failed\n\r");
   EXPECT_EQ(
       Type("frame t 40 1 wan 0 low", "r16 010c 1234\n r16 010c 1234\n map 1234 fails", kFailed),
@@ -108,7 +108,7 @@ TEST_F(FrameCommandLine, ReceiveShowsTheFrameReleasesItAndAcknowledges) {
             "12348820: DE AD 07 .. .. .. .. .. .. .. .. .. .. .. .. .. \n\r");
 }
 
-TEST_F(FrameCommandLine, ReceiveReleasesNothingOfHandle0AndAcknowledgesAllTheSame) {
+TEST_F(FrameCommandLine, ReceiveReleasesNothingOfHandle0AndAcknowledgesAnyway) {
   EXPECT_EQ(Type("frame r", R"(
                    r16  010c 1234
                    r16  0210 0010
@@ -154,7 +154,7 @@ TEST_F(FrameCommandLine, StatusFormsTheAddressBeforeEachQuery) {
   EXPECT_EQ(Type("frame s", transcript.c_str(), kDone), wanted);
 }
 
-TEST_F(FrameCommandLine, StatusOfOneHandleMindsNoFurtherWords) {
+TEST_F(FrameCommandLine, StatusOfOneHandleIgnoresFurtherWords) {
   EXPECT_EQ(Type("frame s 10 and more words", Query(16, kOneUse).c_str(), kDone),
             "STATUS OF BUFFER HANDLE10 IS: FRAME IS IN QUEUE\n\r");
   EXPECT_EQ(Type("frame s 0", "r16 010c 0200\n r16 010c 0200", kFailed),
@@ -208,7 +208,7 @@ TEST_F(FrameCommandLine, AFlagIsSetInTheWholeRecord) {
             "Drop Check sum error packets: ENABLE\n\r");
 }
 
-TEST_F(FrameCommandLine, ABadFlagWordIsFoundBehindTheFirstRead) {
+TEST_F(FrameCommandLine, ABadFlagWordIsFoundAfterTheFirstRead) {
   EXPECT_EQ(Type("frame f on", RecordLoads("a5", "a5").c_str(), kUsage), "");
   EXPECT_EQ(Type("frame d =", RecordLoads("a5", "a5").c_str(), kUsage), "");
 }
@@ -242,7 +242,7 @@ TEST_F(FrameCommandLine, OtherWordsAreRefusedUntouched) {
     for (const char* const complete : {"frame t 40 1 wan 0 high", "frame r = auto", "frame b = 1",
                                        "frame s 1", "frame f enable"}) {
       LeaveWords(complete);
-      EXPECT_EQ(Type(line, "", kUsage), "") << line << ", behind " << complete;
+      EXPECT_EQ(Type(line, "", kUsage), "") << line << ", after " << complete;
     }
   }
   EXPECT_EQ(ReceiveMode, 0);

@@ -22,7 +22,7 @@ TEST(Frame, TheBaseIsOneSwappedHalfword) {
   EXPECT_EQ(WriteBufferBase(0xFEDC), DriverStatus::kOk);
 }
 
-TEST(Frame, DataAddressesLieBehindTheHeaderOf32Bytes) {
+TEST(Frame, DataAddressesFollowTheHeaderOf32Bytes) {
   EXPECT_EQ(FrameDataAddress(0x1234, 0), 0x12340020U);
   EXPECT_EQ(FrameDataAddress(0x1234, 0x10), 0x12348020U);
   EXPECT_EQ(FrameDataAddress(0x1234, 0xFF), 0x123BF820U);
@@ -49,7 +49,7 @@ TEST(Frame, TransmitStoresTheLengthPulsesTheStartAndWaits) {
 }
 
 TEST(Frame, TransmitTakesAnyHandleAndAnyOfTheFourPorts) {
-  // Buffers behind the highest base lie at the start of the address space.
+  // Buffers past the highest base are at the start of the address space.
   ScriptedBus bus(R"(
     r16  010c ffff
     map  ffff
@@ -221,7 +221,7 @@ TEST(Frame, StatusOfAReceiveBufferCountsEveryUse) {
   EXPECT_EQ(count, 0);
 }
 
-TEST(Frame, StatusAndReleaseRefuseHandle0BehindTheBase) {
+TEST(Frame, StatusAndReleaseRefuseHandle0AfterTheBase) {
   ScriptedBus bus("r16 010c 1234\n r16 010c 1234");
   std::uint8_t count = 7;
   EXPECT_EQ(TxBufferStatus(0x12340020, count), DriverStatus::kRefused);
@@ -321,7 +321,7 @@ TEST(Frame, TheLastBufferOfTheSecondRoundIsNotFoundEvenIfFree) {
   g_cursor = 16;
 }
 
-TEST(Frame, AfterAFailureAllocationFirstTriesTheBufferBehindTheLast) {
+TEST(Frame, AfterAFailureAllocationFirstTriesTheBufferAfterTheLast) {
   MoveCursorTo(15);
   std::string transcript = Query(15, kTwoUses);
   for (unsigned handle = 1; handle <= 15; ++handle) transcript += Query(handle, kTwoUses);
@@ -337,7 +337,7 @@ TEST(Frame, AfterAFailureAllocationFirstTriesTheBufferBehindTheLast) {
   g_cursor = 2;
 }
 
-TEST(Frame, TheBufferBehindTheLastEndsTheFirstRound) {
+TEST(Frame, TheBufferAfterTheLastEndsTheFirstRound) {
   MoveCursorTo(15);
   std::string transcript = Query(15, kTwoUses);
   for (unsigned handle = 1; handle <= 15; ++handle) transcript += Query(handle, kTwoUses);
@@ -370,7 +370,7 @@ TEST(Frame, CtrlCEndsAnAllocation) {
   PressCtrlCInWaits(false);
 }
 
-TEST(Frame, AReleasedTransmitBufferIsNoMatterOfTheChip) {
+TEST(Frame, ReleasingATransmitBufferDoesNotInvolveTheChip) {
   ScriptedBus bus("r16 010c 1234\n r16 010c 1234");
   EXPECT_EQ(FreeFrameBuffer(0x12340820), DriverStatus::kOk);  // handle 1
   EXPECT_EQ(FreeFrameBuffer(0x12347820), DriverStatus::kOk);  // handle f

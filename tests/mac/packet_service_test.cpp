@@ -42,7 +42,7 @@ constexpr char kTake[] = R"(
   unlock
 )";
 
-/// It is given back and acknowledged.
+/// It is released and acknowledged.
 constexpr char kGiveBack[] = R"(
   r16  010c 0200
   lock
@@ -141,7 +141,7 @@ TEST_F(PacketServiceStep, SaysThatNoTransmitBufferIsFree) {
   g_cursor = 16;
 }
 
-TEST_F(PacketServiceStep, SaysThatTheCopyCouldNotBeSentAndFreesItAllTheSame) {
+TEST_F(PacketServiceStep, SaysThatTheCopyCouldNotBeSentAndFreesItAnyway) {
   MoveCursorTo(5);
   const std::string transcript = kTake + Query(5, kOneUse) + R"(
     mr8  02008020 11

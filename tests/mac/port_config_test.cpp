@@ -107,7 +107,7 @@ TEST(PortConfig, WriteCutsTheInterfaceAndOnlyAddsLoopback) {
 }
 
 TEST(PortConfig, LoopbackPairsOfTheOtherPorts) {
-  // The link is out of range, which ends each write behind the loopback.
+  // The link is out of range, which ends each write after the loopback.
   ScriptedBus bus(R"(
     lock
     r8  0108 00

@@ -11,7 +11,7 @@
 namespace monitor {
 namespace {
 
-// Behind the selector, with junk in the command byte.
+// After the selector, with junk in the command byte.
 constexpr char kReadStep[] = R"(
     r8  085c a7
     r8  085c fb
@@ -139,7 +139,7 @@ TEST(StatCounters, ClearAllGivesWordAWhatWordBHolds) {
   EXPECT_EQ(ClearAllStatCounters(2), DriverStatus::kOk);
 }
 
-TEST(StatCounters, ABusyEngineStopsTheClearBehindTheDataOfItsGroup) {
+TEST(StatCounters, ABusyEngineStopsTheClearAfterTheDataOfItsGroup) {
   constexpr char kData[] = "w32 0854 00000000\n r32 0854 00000000\n w32 0858 00000000\n";
   const std::string transcript =
       SelectorStore(0) + kData + kWriteStep + SelectorStore(1) + kData + "r8 085c fd";
@@ -155,7 +155,7 @@ TEST(StatCounters, OverflowIsReadThroughGroup0) {
   EXPECT_EQ(mask, 0x8F00FF01U);
 }
 
-TEST(StatCounters, OverflowClearLocksBehindTheSelectorAndWaitsBehindTheLock) {
+TEST(StatCounters, OverflowClearLocksAfterTheSelectorAndWaitsAfterTheLock) {
   ScriptedBus bus(R"(
     w8  085d 08
     lock

@@ -1,5 +1,5 @@
 // The transmit buffers' part of bus transcripts. The monitor's transmit cursor outlives a test,
-// so the tests keep account of it.
+// so the tests keep track of it.
 #pragma once
 
 #include <gtest/gtest.h>

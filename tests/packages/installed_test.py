@@ -1,5 +1,5 @@
 """The Debian packages, installed into a minimal system and removed from it, and the black-box
-tests on the installed programs. Needs root and a mount namespace of its own, as
+tests on the installed programs. Needs root and its own mount namespace, as
 `./dev package --check` gives it."""
 
 import glob
@@ -22,7 +22,7 @@ PACKAGES = support.program("PACKAGES")
 ROOT = support.program("ROOT")
 NATIVE = subprocess.check_output(["dpkg", "--print-architecture"], text=True).strip()
 
-# What the machine keeps for itself when packages come and go.
+# What the machine keeps when packages come and go.
 BOOKS = ("dev", "proc", "var/cache", "var/lib/apt", "var/lib/dpkg", "var/log")
 
 ENVIRONMENT = [
@@ -76,7 +76,7 @@ def install():
 
 
 def files():
-    """Every path of that system but those of its books."""
+    """Every path of that system except those of its package database."""
     found = set()
     for folder, folders, names in os.walk(ROOT):
         inner = os.path.relpath(folder, ROOT)
@@ -87,7 +87,7 @@ def files():
 
 
 def setUpModule():
-    # Programs that enter a namespace of their own need a root that is a mount point.
+    # Programs that enter their own namespace need a root that is a mount point.
     mount("--bind", ROOT, ROOT)
     # An installer writes this file, which belongs to no package.
     with open(os.path.join(ROOT, "etc", "hosts"), "w", encoding="ascii") as hosts:
@@ -113,7 +113,7 @@ class Installed(unittest.TestCase):
         self.assertEqual(done.stdout, support.START + b"l3 5\r\n" + route + support.PROMPT)
         self.assertEqual((done.returncode, done.stderr), (0, b""))
 
-    def test_board_tells_its_options_and_version(self):
+    def test_board_prints_its_options_and_version(self):
         self.assertIn(b"--trace FILE", do("virtual-board", "--help"))
         version = subprocess.check_output(
             ["dpkg-deb", "-f", package("virtual-board", NATIVE), "Version"], text=True)

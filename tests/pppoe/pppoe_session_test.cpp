@@ -88,7 +88,7 @@ TEST(PppoeSession, ReadLeavesIdsLowByteFirst) {
   EXPECT_EQ(SwapId({0x34, 0x12}), (RecordId{0x12, 0x34}));
 }
 
-TEST(PppoeSession, ABusyEngineStopsAReadBehindTheIndex) {
+TEST(PppoeSession, ABusyEngineStopsAReadAfterTheIndex) {
   for (const char* const command : {"00", "01", "02", "fc"}) {
     const std::string transcript = std::string("w8 0a0e 20\n r8 0a0f ") + command;
     ScriptedBus bus(transcript.c_str());

@@ -102,7 +102,7 @@ TEST(Pxt, ReadStoresTheIndexPulsesTheEngineAndLoadsTheEntry) {
     r8  0a3a 01
   )",
                                        kReadMacs, kReadIds, R"(
-    r8  0a38 ad        # internal used and tag, external force; bits 3 and 7 are nobody's
+    r8  0a38 ad        # internal used and tag, external force; bits 3 and 7 are unused
     r8  0a39 be        # port 2, not valid; junk between
   )"});
   ScriptedBus bus(transcript.c_str());
@@ -142,7 +142,7 @@ TEST(Pxt, ReadOfTheOtherSwitches) {
   EXPECT_EQ(entry.valid, 1);
 }
 
-TEST(Pxt, ABusyEngineStopsAReadBehindTheIndex) {
+TEST(Pxt, ABusyEngineStopsAReadAfterTheIndex) {
   for (const char* const command : {"00", "01", "02", "fc"}) {
     const std::string transcript = std::string("w8 0a39 20\n r8 0a3a ") + command;
     ScriptedBus bus(transcript.c_str());

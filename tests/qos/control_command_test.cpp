@@ -61,13 +61,13 @@ TEST(ControlCommand, TheRecordIsReadOnceBeforeAnyWordIsLookedAt) {
       ScriptedBus bus(kRead);
       LeaveWords(complete);
       const Outcome outcome = RunLine(line);
-      EXPECT_EQ(outcome.result, kUsage) << line << ", behind " << complete;
-      EXPECT_EQ(outcome.output, "") << line << ", behind " << complete;
+      EXPECT_EQ(outcome.result, kUsage) << line << ", after " << complete;
+      EXPECT_EQ(outcome.output, "") << line << ", after " << complete;
     }
   }
 }
 
-// The odd word is refused although the slot behind the line still holds a fitting value.
+// The odd word is refused although the slot after the line still holds a fitting value.
 TEST(ControlCommand, AStaleWordDoesNotCompleteAPair) {
   {
     ScriptedBus bus(kRead);

@@ -18,7 +18,7 @@ class History : public testing::Test {
     HistoryAdd(line.c_str(), static_cast<int>(line.size()));
   }
 
-  /// The text that a key shows; what lies behind it in the line has to stay.
+  /// The text that a key shows; what follows it in the line has to stay.
   static std::string Older() { return Show(HistoryOlder); }
   static std::string Newer() { return Show(HistoryNewer); }
 

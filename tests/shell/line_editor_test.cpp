@@ -40,7 +40,7 @@ class LineEditor : public testing::Test {
     return TakeOutput();
   }
 
-  /// The line as the shell will find it: what stands before the first carriage return.
+  /// The line as the shell will find it: what comes before the first carriage return.
   static std::string Line() {
     const std::string buffer(ConsoleLineBuffer, kLineBufferSize);
     return buffer.substr(0, buffer.find('\r'));
@@ -84,7 +84,7 @@ TEST_F(LineEditor, APollTakesOneCharacterWhenThousandsWait) {
   EXPECT_EQ(UnreadKeys(), 4998U);
 }
 
-TEST_F(LineEditor, APollTakesNothingBehindTheEndOfALine) {
+TEST_F(LineEditor, APollTakesNothingAfterTheEndOfALine) {
   Type("a" + kEnter + "b");
   EXPECT_TRUE(LineEditorPoll());
   EXPECT_TRUE(LineEditorPoll());
@@ -147,7 +147,7 @@ TEST_F(LineEditor, TheEchoBreaksAgainWhenThe71stCharacterIsTypedAgain) {
   EXPECT_EQ(Press("z"), "z\n\r");
 }
 
-TEST_F(LineEditor, EnterBehindThe70thCharacterDoesNotBreak) {
+TEST_F(LineEditor, EnterAfterThe70thCharacterDoesNotBreak) {
   EXPECT_EQ(Press(Times(70, "x") + kEnter), Times(70, "x") + kEnterEcho);
 }
 
@@ -240,7 +240,7 @@ TEST_F(LineEditor, ASequenceIsGivenUpAfter200ReadsThatFindNothing) {
   EXPECT_EQ(LineOf(""), "a[Ab");
 }
 
-TEST_F(LineEditor, ASequenceIsGivenUpBehindItsBracketToo) {
+TEST_F(LineEditor, ASequenceIsGivenUpAfterItsBracketToo) {
   Type("a" + kEscape + "[");
   TypeNothing(200);
   Type("Ab");
@@ -287,7 +287,7 @@ TEST_F(LineEditor, LongerLinesAreEchoedAndNotStoredPastTheBuffer) {
   }
 }
 
-TEST_F(LineEditor, CharactersBehindTheBufferAreCounted) {
+TEST_F(LineEditor, CharactersPastTheBufferAreCounted) {
   const std::string line = LongLine(300);
   (void)Press(line);
   EXPECT_EQ(Press(Times(60, kBackspace)), Times(60, kRubOut));

@@ -74,7 +74,7 @@ TEST_F(Shell, ExitMayBeTypedInAnyCaseAndWithMoreWords) {
   }
 }
 
-TEST_F(Shell, ExitLeavesWhatIsTypedBehindIt) {
+TEST_F(Shell, ExitLeavesWhatIsTypedAfterIt) {
   Type("exit" + kEnter + "help" + kEnter);
   const ScriptedBus bus(kUnlock);
   EXPECT_EQ(RunShell(), 0);
@@ -145,7 +145,7 @@ TEST_F(Shell, AMisusedCommandDoesNotSpoilTheNextLine) {
                      "50000000: 12 .. .. .. .. .. .. .. .. .. .. .. .. .. .. .. \n\r"}));
 }
 
-// The prompt counts towards the line, the echo of what is typed behind it does not.
+// The prompt counts towards the line, the echo of what is typed after it does not.
 TEST_F(Shell, TheFirstLineOfAnAnswerIsWrappedAfter71CharactersLaterOnesAfter79) {
   EXPECT_EQ(
       Screen({"help ctrl", "help maccfg"}),
@@ -187,9 +187,9 @@ TEST_F(Shell, ALineOf300CharactersIsCutTo254) {
   const auto echo = [](const std::string& line) {
     return line.substr(0, 71) + "\n\r" + line.substr(71, 80) + "\n\r" + line.substr(151) + "\r\n";
   };
-  const std::string behind = "help" + Times(250, " ") + Times(46, "x");
+  const std::string after = "help" + Times(250, " ") + Times(46, "x");
   const std::string before = "help" + Times(249, " ") + Times(47, "x");
-  EXPECT_EQ(Screen({behind, before}), Answers({echo(behind) + kNames, echo(before)}));
+  EXPECT_EQ(Screen({after, before}), Answers({echo(after) + kNames, echo(before)}));
 }
 
 TEST_F(Shell, SleepsWithoutADeadlineWhileNothingIsTyped) {
@@ -279,7 +279,7 @@ TEST_F(Shell, FramesGoOutAlthoughNothingMakesTheLoopSleep) {
   const std::string whole = transcript + Times(4, kNoFrame) + kUnlock;
   (void)TakeFlushes();
   ScriptedBus bus(whole.c_str());
-  // Each idle pass flushes behind its frame; the lines' characters flush nothing.
+  // Each idle pass flushes after its frame; the lines' characters flush nothing.
   EXPECT_EQ(RunShell(), 0);
   EXPECT_EQ(TakeSleeps(), std::vector<long>{});
   EXPECT_EQ(TakeOutput(), kBanner + kPrompt + kFrameShown + kFrameShown + kExit);
@@ -292,7 +292,7 @@ TEST_F(Shell, ACommandsAnswerIsOutBeforeTheNextLineIsRead) {
   std::string flushed;
   bus.BeforeNextEvent([&flushed] {
     flushed = TakeOutput();
-    // All but the echo behind the next prompt.
+    // All except the echo after the next prompt.
     EXPECT_EQ(UnflushedOutput(), (kPrompt + "reg 10\r\n").size());
   });
   EXPECT_EQ(RunShell(), 0);

@@ -66,7 +66,7 @@ class Tokeniser : public testing::Test {
     return std::string(&slots_[At(slot)], count);
   }
 
-  /// The slots, the terminator behind the last one, and characters that stay.
+  /// The slots, the terminator after the last one, and characters that stay.
   std::array<char, kLimit * kSlot + 1 + 8> slots_;
   std::array<char*, kLimit> argv_;
 };
@@ -127,7 +127,7 @@ TEST_F(Tokeniser, TheNextWordOverwritesTheTerminatorOfAFullSlot) {
   EXPECT_EQ(Word(1), "B");
 }
 
-TEST_F(Tokeniser, AFullSlotEmptiesTheStaleWordBehindIt) {
+TEST_F(Tokeniser, AFullSlotEmptiesTheStaleWordAfterIt) {
   EXPECT_EQ(Split("one two three"), 3);
   EXPECT_EQ(Split(Times(32, "x")), 1);
   EXPECT_EQ(Raw(1, 4), std::string("\0WO\0", 4));
@@ -167,14 +167,14 @@ TEST_F(Tokeniser, ASignDoesNotSaveAFullWord) {
   EXPECT_EQ(Split(Times(32, "x") + " =1"), 3);
 }
 
-TEST_F(Tokeniser, WordsBehindThe128thAreDropped) {
+TEST_F(Tokeniser, WordsAfterThe128thAreDropped) {
   EXPECT_EQ(Split(Times(127, "=")), 127);
   EXPECT_EQ(Split(Times(128, "=")), 128);
   EXPECT_EQ(Split(Times(129, "=")), 128);
   EXPECT_EQ(Raw(127, 33), std::string("=\0", 2) + Times(31, "#"));
 }
 
-TEST_F(Tokeniser, AWordBehindThe128thMayHaveAnyLength) {
+TEST_F(Tokeniser, AWordAfterThe128thMayHaveAnyLength) {
   EXPECT_EQ(Split(Times(128, "=") + Times(100, "x")), 128);
   EXPECT_EQ(Split(Times(128, "=") + "   "), 128);
 }

@@ -220,8 +220,8 @@ class Soak(unittest.TestCase):
         self.expect_left(0)
 
     def flood(self):
-        """More frames than buffers while nobody takes them: the rest is counted, and the others
-        are there still."""
+        """More frames than buffers while nothing takes them: the rest are counted, and the others
+        are still there."""
         self.command(b"frame r = manual")
         before = self.drops()
         arrived = (self.received() + FLOOD) % 0x1000000

@@ -50,7 +50,7 @@ class Random {
   std::mt19937_64 engine_{5910};
 };
 
-/// A chip with what comes from outside. Its time began at any moment.
+/// A chip with what comes from outside. Its time may have begun at any moment.
 struct Board {
   explicit Board(std::uint64_t begin) : now(begin) {
     chip.clock = [this] { return now; };
@@ -118,7 +118,7 @@ class Twins : public testing::Test {
     Store(0x408, 2, 0x80 | direction | kAddresses[random.Below(4)] << 8 | random.Below(32));
   }
 
-  void Happen() {
+  void RandomEvent() {
     switch (random.Below(8)) {
       case 0: {
         const std::vector<std::uint8_t> frame(random.Below(1600),
@@ -160,7 +160,7 @@ class Twins : public testing::Test {
     for (std::uint32_t at = block.first; at < block.past_last; ++at) {
       if (at != block.command) Store(at, 1, random.Below(256));
     }
-    // The session tables keep switches beside the index.
+    // The session tables keep switches next to the index.
     if (block.first < 0xA00) Store(block.index, 1, random.Below(4));
   }
 
@@ -182,14 +182,14 @@ class Twins : public testing::Test {
 
   void Step(const Block& focus) {
     const Block& block = random.OneIn(4) ? kBlocks[random.Below(std::size(kBlocks))] : focus;
-    if (random.OneIn(5)) return Happen();
+    if (random.OneIn(5)) return RandomEvent();
     if (block.command == 0 || !random.OneIn(3)) return AccessAnywhere(block);
     if (random.OneIn(2)) Store(block.index, 1, random.Below(4));
     StoreCommand(block, random.OneIn(2) ? block.read : block.write);
     if (random.OneIn(2)) Finish(block);
   }
 
-  /// Everything that a bus or an eye can tell of the boards.
+  /// Everything observable of the boards, on the bus or from outside.
   void Compare() {
     for (const Block& block : kBlocks) {
       LoadAll(block);

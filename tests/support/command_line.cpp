@@ -45,7 +45,7 @@ Outcome RunLine(const std::string& line) {
   const int argc = TakeLine(line);
   for (const monitor::CommandEntry& row : monitor::CommandTable) {
     if (monitor::CommandNameMatch(Words()[0], row.name) != 0) continue;
-    // As behind a prompt: the console column counts from there.
+    // As after a prompt: the console column counts from there.
     monitor::ConsolePuts("\n\rDebug>> ");
     (void)TakeOutput();
     const int result = row.handler(argc, Words());
@@ -68,8 +68,8 @@ void ExpectLinesRefused(const std::vector<std::string>& complete,
     for (const std::string& words : complete) {
       LeaveWords(words);
       const Outcome outcome = RunLine(line);
-      EXPECT_EQ(outcome.result, monitor::kUsage) << line << ", behind " << words;
-      EXPECT_EQ(outcome.output, "") << line << ", behind " << words;
+      EXPECT_EQ(outcome.result, monitor::kUsage) << line << ", after " << words;
+      EXPECT_EQ(outcome.output, "") << line << ", after " << words;
     }
   }
 }

@@ -15,11 +15,11 @@ struct Outcome {
 /// still there.
 [[nodiscard]] Outcome RunLine(const std::string& line);
 
-/// Fills the word slots as after that line, with "1" in all slots behind its words.
+/// Fills the word slots as after that line, with "1" in all slots after its words.
 void LeaveWords(const std::string& line);
 
-/// Expects that the handlers refuse the lines (kUsage) and print nothing. Each line is run behind
-/// the words of each complete line: a handler that counts its words wrong finds there what it
+/// Expects that the handlers refuse the lines (kUsage) and print nothing. Each line is run after
+/// the words of each complete line: a handler that miscounts its words finds there what it
 /// wants.
 void ExpectLinesRefused(const std::vector<std::string>& complete,
                         const std::vector<std::string>& lines);

@@ -12,7 +12,8 @@ std::uint8_t ParseByte(const std::string& digits) {
   return static_cast<std::uint8_t>(byte);
 }
 
-/// The rest of the line: pairs of hexadecimal digits, and "xN" behind a byte that stands N times.
+/// The rest of the line: pairs of hexadecimal digits, and "xN" after a byte that occurs N
+/// times.
 std::vector<std::uint8_t> TakeBytes(Words& words) {
   std::vector<std::uint8_t> bytes;
   for (std::string word; words >> word;) {

@@ -1,5 +1,5 @@
 // A session on a chip that is switched off before every line: its state is saved, and loaded again
-// once nothing is left of it. The screen must not tell.
+// once nothing is left of it. The screen must not show a difference.
 #include "mac/frame.h"
 #include "mac/packet_service.h"
 #include "machine/state/state_text.h"

@@ -34,8 +34,8 @@ std::string Describe(const std::string& kind, std::uint32_t address, std::uint32
   return text.str();
 }
 
-std::uint32_t Happen(const char* kind, std::uint32_t address, std::uint32_t stored = 0) {
-  if (g_current != nullptr) return g_current->Happen(kind, address, stored);
+std::uint32_t OnEvent(const char* kind, std::uint32_t address, std::uint32_t stored = 0) {
+  if (g_current != nullptr) return g_current->OnEvent(kind, address, stored);
   ADD_FAILURE() << "bus event outside a transcript: " << Describe(kind, address, stored);
   return kJunk;
 }
@@ -107,8 +107,8 @@ void ScriptedBus::Report(const std::string& got) {
   ADD_FAILURE() << text.str();
 }
 
-std::uint32_t ScriptedBus::Happen(const std::string& kind, std::uint32_t address,
-                                  std::uint32_t stored) {
+std::uint32_t ScriptedBus::OnEvent(const std::string& kind, std::uint32_t address,
+                                   std::uint32_t stored) {
   if (look_) std::exchange(look_, nullptr)();
   if (broken_) return kJunk;
   const bool match = next_ < events_.size() && events_[next_].kind == kind &&
@@ -129,29 +129,29 @@ std::uint32_t ScriptedBus::Happen(const std::string& kind, std::uint32_t address
 namespace monitor {
 
 std::uint8_t WindowLoad8(std::uint32_t offset) {
-  return static_cast<std::uint8_t>(Happen("r8", offset));
+  return static_cast<std::uint8_t>(OnEvent("r8", offset));
 }
 std::uint16_t WindowLoad16(std::uint32_t offset) {
-  return SwapBigEndian(static_cast<std::uint16_t>(Happen("r16", offset)));
+  return SwapBigEndian(static_cast<std::uint16_t>(OnEvent("r16", offset)));
 }
-std::uint32_t WindowLoad32(std::uint32_t offset) { return SwapBigEndian(Happen("r32", offset)); }
-void WindowStore8(std::uint32_t offset, std::uint8_t value) { Happen("w8", offset, value); }
+std::uint32_t WindowLoad32(std::uint32_t offset) { return SwapBigEndian(OnEvent("r32", offset)); }
+void WindowStore8(std::uint32_t offset, std::uint8_t value) { OnEvent("w8", offset, value); }
 void WindowStore16(std::uint32_t offset, std::uint16_t value) {
-  Happen("w16", offset, SwapBigEndian(value));
+  OnEvent("w16", offset, SwapBigEndian(value));
 }
 void WindowStore32(std::uint32_t offset, std::uint32_t value) {
-  Happen("w32", offset, SwapBigEndian(value));
+  OnEvent("w32", offset, SwapBigEndian(value));
 }
 
-bool MemoryMap(std::uint16_t base) { return Happen("map", base) == kMapWorks; }
+bool MemoryMap(std::uint16_t base) { return OnEvent("map", base) == kMapWorks; }
 std::uint8_t MemoryLoad8(std::uint32_t address) {
-  return static_cast<std::uint8_t>(Happen("mr8", address));
+  return static_cast<std::uint8_t>(OnEvent("mr8", address));
 }
 std::uint16_t MemoryLoad16(std::uint32_t address) {
-  return static_cast<std::uint16_t>(Happen("mr16", address));
+  return static_cast<std::uint16_t>(OnEvent("mr16", address));
 }
-void MemoryStore8(std::uint32_t address, std::uint8_t value) { Happen("mw8", address, value); }
-void MemoryStore16(std::uint32_t address, std::uint16_t value) { Happen("mw16", address, value); }
+void MemoryStore8(std::uint32_t address, std::uint8_t value) { OnEvent("mw8", address, value); }
+void MemoryStore16(std::uint32_t address, std::uint16_t value) { OnEvent("mw16", address, value); }
 void MemoryCopy(std::uint32_t to, std::uint32_t from, std::uint32_t count) {
   for (std::uint32_t i = 0; i < count; ++i) MemoryStore8(to + i, MemoryLoad8(from + i));
 }
@@ -159,13 +159,13 @@ void MemoryCopy(std::uint32_t to, std::uint32_t from, std::uint32_t count) {
 void IrqLock(IrqState* saved) {
   *saved = kJunk + static_cast<IrqState>(g_saved.size());
   g_saved.push_back(*saved);
-  Happen("lock", 0);
+  OnEvent("lock", 0);
 }
 
 void IrqUnlock(IrqState saved) {
   EXPECT_EQ(saved, g_saved.empty() ? 0 : g_saved.back()) << "not the state that the lock saved";
   if (!g_saved.empty()) g_saved.pop_back();
-  Happen("unlock", 0);
+  OnEvent("unlock", 0);
 }
 
 }  // namespace monitor

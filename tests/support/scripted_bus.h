@@ -1,6 +1,6 @@
 // A bus that knows in advance every access of a test and answers the loads.
 //
-// A transcript has an event a line, in total order; "#" and what follows is commentary:
+// A transcript has one event per line, in total order; "#" and what follows is commentary:
 //   w8 060e 05          a store of 8, 16 or 32 bits: offset, register value (big-endian reading)
 //   r8 060d a7          a load and its answer
 //   r8 060d a5 x10000   the same event many times; each kind can have a count
@@ -28,7 +28,7 @@ class ScriptedBus {
 
   /// Compares an event with the next one of the transcript. The answer of a load; junk when it
   /// was not expected.
-  std::uint32_t Happen(const std::string& kind, std::uint32_t address, std::uint32_t stored);
+  std::uint32_t OnEvent(const std::string& kind, std::uint32_t address, std::uint32_t stored);
 
   /// Calls `look` once, just before the next event.
   void BeforeNextEvent(std::function<void()> look) { look_ = std::move(look); }

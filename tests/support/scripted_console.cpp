@@ -99,7 +99,7 @@ bool WaitInterrupted(const Awaited& awaited) {
   g_awaited = awaited;
   ConsoleFlush();
   ++g_looks;
-  // A broken transcript answers junk for ever.
+  // A broken transcript answers junk forever.
   const ScriptedBus* const bus = ScriptedBus::Current();
   return g_ctrl_c || (bus != nullptr && bus->Broken());
 }

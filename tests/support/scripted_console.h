@@ -17,7 +17,7 @@ void TypeNothing(unsigned reads);
 [[nodiscard]] std::size_t UnreadKeys();
 
 /// Forgets what is typed and not read, all that was printed, and all that was counted; lifts the
-/// Ctrl-C. The next line printed begins behind a line end.
+/// Ctrl-C. The next line printed begins after a line end.
 void ClearConsole();
 
 /// Everything printed since the last call.
@@ -26,7 +26,7 @@ void ClearConsole();
 /// Characters printed that the monitor has not handed to the output yet.
 [[nodiscard]] std::size_t UnflushedOutput();
 
-/// The microseconds of each sleep since the last call. A monitor that sleeps for good, because the
+/// The microseconds of each sleep since the last call. A monitor that sleeps forever, because the
 /// test types nothing more, ends the program.
 [[nodiscard]] std::vector<long> TakeSleeps();
 

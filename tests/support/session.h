@@ -33,7 +33,7 @@ struct SessionState {
   std::vector<std::string> complaints;    ///< Expected until the next line has been answered.
 };
 
-/// A session that does not go as written.
+/// A session that differs from what is written.
 struct SessionError : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
@@ -41,6 +41,6 @@ struct SessionError : std::runtime_error {
 /// Called between the directives of a line and its first key.
 void BeforeKeys(SessionState& state);
 
-/// Carries out a directive, the text behind "@". Throws SessionError when it is unknown or does
+/// Carries out a directive, the text after "@". Throws SessionError when it is unknown or does
 /// not hold.
 void RunDirective(SessionState& state, const std::string& text);

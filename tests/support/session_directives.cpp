@@ -1,26 +1,26 @@
 // The directives of session files:
-//   @w8 060e 05             a store on the bus, beside the monitor (w16, w32 likewise)
+//   @w8 060e 05             a store on the bus, bypassing the monitor (w16, w32 likewise)
 //   @r8 060e 05             a load that must answer so
 //   @fault l3 hang          what an engine (or reset, mii) does instead of working: hang, busy,
 //   @fault l3 slow 50       fail, none, or the loads that an operation takes
-//   @clock 1000000          lets so many nanoseconds pass
+//   @clock 1000000          lets that many nanoseconds pass
 //   @gpio-in 5a             levels of the general-purpose pins from outside
 //   @uart-in 41 42          bytes that arrive at the UART
 //   @uart-out 41 42         bytes that the UART must have sent since the last look
 //   @link wan up            attaches a partner to a port, or takes it away (down)
 //   @phy 1 10 1234          a register of the PHY at that address
-//   @set l3 counter 5 ff    counter of an entry, beside the engine
+//   @set l3 counter 5 ff    counter of an entry, bypassing the engine
 //   @set l3 overflow 5      an overflow bit; mcast likewise
 //   @set arp reference 5    a reference bit
 //   @set nat fill 0 ff      entries in main slots, each with its slot in every field
 //   @set cls counter 5 ff   likewise of the classifier's rules
 //   @set cls overflow 5
-//   @set sc wan sc_crc ff   a statistic counter, beside the engine
+//   @set sc wan sc_crc ff   a statistic counter, bypassing the engine
 //   @set sc wan overflow 1  all overflow bits of a port
 //   @set pst used 2         the used bit of an entry
 //   @set buffer 05 0102     contents of a frame buffer, from its data address on
 //   @set memory absent      frame buffer memory cannot be mapped; "present": it can again
-//   @frame wan 0102 00 x14  a frame arrives at a port; "x14": the byte before it stands 14 times
+//   @frame wan 0102 00 x14  a frame arrives at a port; "x14": 14 times the byte before it
 //   @lost wan 0102          the same, but the chip must lose the frame
 //   @sent wan 0102          the oldest frame not yet checked that has left the chip
 //   @sent nothing           there is none

@@ -56,7 +56,7 @@ class Session {
 
   void Print(const char* text, std::size_t count) { output_.append(text, count); }
 
-  /// The monitor has returned: its last words must be as written, with no line left to type.
+  /// The monitor has returned: its last output must be as written, with no line left to type.
   [[noreturn]] void End() {
     returned_ = true;
     CompareOutput();

@@ -7,7 +7,7 @@
 
 namespace {
 
-/// Typed text as the editor echoes it behind `before` characters of the same line.
+/// Typed text as the editor echoes it after `before` characters of the same line.
 std::string Echo(const std::string& typed, std::size_t before) {
   std::string echo;
   for (std::size_t i = 0; i < typed.size(); ++i) {

@@ -18,5 +18,5 @@ std::string TakeWord(Words& words);
 /// The next word, "wan", "lan" or "dmz", as a port.
 monitor::PortId TakePort(Words& words);
 
-/// "@set BLOCK ...": changes a block's state beside the bus.
+/// "@set BLOCK ...": changes a block's state, bypassing the bus.
 void ApplySetting(SessionState& state, Words& words);

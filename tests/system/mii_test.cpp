@@ -84,7 +84,7 @@ TEST(Mii, AReadMaySucceedInTheLastLook) {
   EXPECT_EQ(value, 0xABCD);
 }
 
-TEST(Mii, WriteHoldsTheLockForTheSequenceAndWaitsBehindIt) {
+TEST(Mii, WriteHoldsTheLockForTheSequenceAndWaitsAfterIt) {
   ScriptedBus bus(R"(
     r16 0408 4000
     r16 0408 0000

@@ -1,4 +1,4 @@
-// The handlers of the same kind as `reg` that work on memory of this process.
+// The handlers like `reg` that work on memory of this process.
 #include <gtest/gtest.h>
 
 #include <sys/mman.h>
@@ -35,7 +35,7 @@ class ProcessMemory : public testing::Test {
 
   using Handler = int (*)(int argc, ArgVector argv);
 
-  /// Calls a handler with words behind its own; none of them may reach the bus.
+  /// Calls a handler with words after its own; none of them may reach the bus.
   static int Call(Handler handler, std::vector<std::string> words) {
     words.insert(words.begin(), "mem");
     std::vector<char*> argv;

@@ -17,8 +17,8 @@ void ExpectRefused(const std::string& line, const char* transcript = "") {
     const ScriptedBus bus(transcript);
     LeaveWords(complete);
     const Outcome outcome = RunLine(line);
-    EXPECT_EQ(outcome.result, kUsage) << line << ", behind " << complete;
-    EXPECT_EQ(outcome.output, "") << line << ", behind " << complete;
+    EXPECT_EQ(outcome.result, kUsage) << line << ", after " << complete;
+    EXPECT_EQ(outcome.output, "") << line << ", after " << complete;
   }
 }
 
@@ -37,7 +37,7 @@ TEST(Reg, AnOffsetAloneDumpsOneByte) {
             "50000010: 00 .. .. .. .. .. .. .. .. .. .. .. .. .. .. .. \n\r");
 }
 
-TEST(Reg, ACountDumpsSoManyBytes) {
+TEST(Reg, ACountDumpsThatManyBytes) {
   EXPECT_EQ(Output("reg 0000011e 3", "r8 011e 01\n r8 011f 23\n r8 0120 45"),
             "50000110: .. .. .. .. .. .. .. .. .. .. .. .. .. .. 01 23 \n\r"
             "50000120: 45 .. .. .. .. .. .. .. .. .. .. .. .. .. .. .. \n\r");
@@ -106,7 +106,7 @@ TEST(Reg, ACountBelowTheNumberOfValuesLeavesTheRestUnparsed) {
             "50000010: 01 02 .. .. .. .. .. .. .. .. .. .. .. .. .. .. \n\r");
 }
 
-TEST(Reg, ABadValueEndsTheStoringBehindTheValuesBeforeIt) {
+TEST(Reg, ABadValueStopsTheStoresAfterTheValuesBeforeIt) {
   ExpectRefused("reg 10 = 123");
   ExpectRefused("reg 10 = 1 2 xx 4", "w8 0010 01\n w8 0011 02");
   ExpectRefused("reg 10 = 1 = 2", "w8 0010 01");

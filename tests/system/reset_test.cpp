@@ -104,7 +104,7 @@ TEST(Reset, DoneIsBit2) {
   EXPECT_EQ(done, 1);
 }
 
-TEST(Reset, TheModelIsReadInTwoHalvesBehindTheRevision) {
+TEST(Reset, TheModelIsReadInTwoHalvesAfterTheRevision) {
   ScriptedBus bus(R"(
     r8  0101 03
     r16 0102 12ff      # bits 15 to 8 count
@@ -132,7 +132,7 @@ TEST(ResetCommand, ShowsTheDoneBitWithOneLoad) {
   EXPECT_EQ(outcome.output, "RESET IS NOT DONE!\n\r");
 }
 
-TEST(ResetCommand, AnnouncesAndFlushesAndDoesNotMindATimeOut) {
+TEST(ResetCommand, AnnouncesAndFlushesAndIgnoresATimeOut) {
   (void)TakeFlushes();
   const std::string not_done = "r8 0100 00 x10001\n unlock\n";
   {
@@ -159,7 +159,7 @@ TEST(ResetCommand, AnnouncesAndFlushesAndDoesNotMindATimeOut) {
   EXPECT_EQ(TakeFlushes(), 1U);
 }
 
-/// What the command has handed to the output when it first touches the bus; behind that it prints
+/// What the command has handed to the output when it first touches the bus; after that it prints
 /// nothing.
 std::string FlushedBeforeThePulse(const std::string& line, const std::string& pulse) {
   ScriptedBus bus((pulse + "r8 0100 00 x10001\n unlock\n").c_str());
@@ -232,7 +232,7 @@ TEST(ResetCommand, AHardwareResetForgetsTheClassifierRules) {
   EXPECT_TRUE(ShadowIsZero());
 }
 
-TEST(ResetCommand, AHardwareResetForgetsTheClassifierRulesAlsoWhenItIsNotDone) {
+TEST(ResetCommand, AHardwareResetForgetsTheClassifierRulesEvenWhenItIsNotDone) {
   FillShadow();
   ScriptedBus bus(R"(
     lock

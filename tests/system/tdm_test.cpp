@@ -8,7 +8,7 @@
 namespace monitor {
 namespace {
 
-TEST(Tdm, ReadPutsEachTimerTogetherFromTwoLoads) {
+TEST(Tdm, ReadAssemblesEachTimerFromTwoLoads) {
   ScriptedBus bus(R"(
     r16 0004 12ee
     r16 0004 ee34

@@ -61,7 +61,7 @@ TEST(Arp, OnlyBit0TellsWhetherAnEntryIsValid) {
   EXPECT_EQ(entry.valid, 0);
 }
 
-TEST(Arp, ABusyEngineStopsAReadBehindTheSlot) {
+TEST(Arp, ABusyEngineStopsAReadAfterTheSlot) {
   for (const char* const command : {"00", "01", "02", "fc"}) {
     const std::string transcript = std::string("w8 063c 05\n r8 063b ") + command;
     ScriptedBus bus(transcript.c_str());

@@ -89,7 +89,7 @@ TEST(L3Route, AValidSlotWithTwoPortsIsRefusedBeforeTheEncapsulationIsRead) {
   EXPECT_EQ(L3Read(7, route), DriverStatus::kRefused);
 }
 
-TEST(L3Route, ABusyEngineStopsAReadBehindTheSlot) {
+TEST(L3Route, ABusyEngineStopsAReadAfterTheSlot) {
   for (const char* const command : {"00", "01", "02", "fc"}) {
     const std::string transcript = std::string("w8 060e 05\n r8 060d ") + command;
     ScriptedBus bus(transcript.c_str());
@@ -159,7 +159,7 @@ TEST(L3Route, WriteDoesNotCutPppoeAndSession) {
   EXPECT_EQ(L3Write(63, route), DriverStatus::kOk);
 }
 
-TEST(L3Route, ABadPortIsRefusedBehindTheMask) {
+TEST(L3Route, ABadPortIsRefusedAfterTheMask) {
   ScriptedBus bus(R"(
     lock
     w8  060e 05
@@ -493,7 +493,7 @@ TEST(L3Route, OfADeletedRangeOnlyRoutesThatStayValidAreShown) {
     w8  060d 48
     unlock
     r8  060d 03
-    w8  060e 05        # what it has become: valid, all the same
+    w8  060e 05        # what it has become: still valid
     r8  060d 03
     r8  060d 40
     w8  060d 44

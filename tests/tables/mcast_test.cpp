@@ -49,7 +49,7 @@ TEST(Mcast, AnInvalidSlotStillHasItsPorts) {
   EXPECT_EQ(entry.valid, 0);
 }
 
-TEST(Mcast, ABusyEngineStopsAReadBehindTheSlot) {
+TEST(Mcast, ABusyEngineStopsAReadAfterTheSlot) {
   for (const char* const command : {"00", "01", "02", "fc"}) {
     const std::string transcript = std::string("w8 0622 05\n r8 0621 ") + command;
     ScriptedBus bus(transcript.c_str());
@@ -350,7 +350,7 @@ TEST(Mcast, AnUnpairedLastWordDoesNotTakeAStaleValue) {
     ScriptedBus bus("r8 0105 00\n lock\n r8 0105 00\n w8 0105 08\n unlock\n r8 0105 08");
     EXPECT_EQ(RunLine("mcast f flood 1").result, kDone);
   }
-  // The slot behind the last word still holds the 1.
+  // The slot after the last word still holds the 1.
   ScriptedBus bus("r8 0105 08");
   EXPECT_EQ(RunLine("mcast f flood").result, kUsage);
 }

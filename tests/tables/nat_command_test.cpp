@@ -41,7 +41,7 @@ TEST(NatCommand, CtrlCEndsAWaitThatNeverEnds) {
 }
 
 TEST(NatCommand, MissingWordsOfDeletesAreTakenFromEarlierLines) {
-  // Server slot 6 comes from the word that stands behind "s" in the first line.
+  // Server slot 6 comes from the word after "s" in the first line.
   EXPECT_EQ(RunLine("nat x y 6").result, kUsage);
   {
     ScriptedBus bus("w8 051a 06\n w8 051b 01\n r8 051c 00");
@@ -49,7 +49,7 @@ TEST(NatCommand, MissingWordsOfDeletesAreTakenFromEarlierLines) {
     EXPECT_EQ(outcome.result, kFailed);
     EXPECT_EQ(outcome.output, "NAT Delete failed\n\r");
   }
-  // The number behind it is not taken: one slot is deleted.
+  // The number after it is not taken: one slot is deleted.
   EXPECT_EQ(RunLine("nat x y 6 2").result, kUsage);
   {
     ScriptedBus bus(R"(
@@ -96,7 +96,7 @@ TEST(NatCommand, TheKeyOfAHashDeleteMayBeStale) {
 }
 
 TEST(NatCommand, AStaleWordThatFillsItsSlotRunsIntoTheNextOne) {
-  // 32 characters leave no room for a terminator, and the next word takes its place: 10.0.0.65
+  // 32 characters leave no room for a terminator, so the next word follows directly: 10.0.0.65
   // and port 5, whose home slot is 44.
   EXPECT_EQ(RunLine("nat x y 00000000000000000000000010.0.0.6 5").result, kUsage);
   ScriptedBus bus("w8 051a 44\n w8 051b 00\n r8 051c 00");

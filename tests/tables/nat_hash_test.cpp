@@ -12,7 +12,7 @@ namespace {
 constexpr NatTable kMain = NatTable::kMain;
 constexpr NatAccess kByHash = NatAccess::kByHash;
 
-// Home slot 43: 41 XOR 82 is c3, and bit 7 falls away. Its overflow group is c0 to df.
+// Home slot 43: 41 XOR 82 is c3, and bit 7 is dropped. Its overflow group is c0 to df.
 constexpr NatEntry kEntry{.index = 0xEE,
                           .sip = 0xC0A80102,
                           .sport = 0x0401,
@@ -87,13 +87,13 @@ TEST(NatHash, AWriteHoldsTheLockUntilItsSlotIsFound) {
   EXPECT_EQ(entry.index, 0x43);
 }
 
-TEST(NatHash, ARefusedWriteGoesOnInTheOverflowGroupWithoutStoringTheEntryAgain) {
+TEST(NatHash, ARefusedWriteContinuesInTheOverflowGroupWithoutStoringTheEntryAgain) {
   const std::string transcript = std::string("lock") + kStoreEntry + WriteProbe(0x43, false) +
                                  WriteProbe(0xC0, false) + WriteProbe(0xC1, false) +
                                  WriteProbe(0xC2, true) + "unlock";
   ScriptedBus bus(transcript.c_str());
   NatEntry entry = kEntry;
-  // The table is the main table whatever is asked for.
+  // The table is the main table whatever is requested.
   EXPECT_EQ(NatWrite(NatTable::kServer, kByHash, entry), DriverStatus::kOk);
   EXPECT_EQ(entry.index, 0xC2);
 }
@@ -239,7 +239,7 @@ TEST(NatHash, ADeleteGivesUpAfter33Probes) {
   EXPECT_EQ(NatDelete(kMain, kByHash, entry), DriverStatus::kRefused);
 }
 
-TEST(NatHash, ADeleteMayFailBehindItsSearch) {
+TEST(NatHash, ADeleteMayFailAfterItsSearch) {
   const std::string found = ReadProbe(0x43) + "r32 0508 0a000041\n r16 050c 0182\n";
   NatEntry entry = kEntry;
   {

@@ -125,7 +125,7 @@ TEST(NatByIndex, TheLastMainSlotHasTheLastValidBit) {
   EXPECT_EQ(entry.valid, 1);
 }
 
-TEST(NatByIndex, ABusyEngineStopsAReadBehindTheControlByte) {
+TEST(NatByIndex, ABusyEngineStopsAReadAfterTheControlByte) {
   for (const char* const command : {"00", "01", "02", "fc"}) {
     const std::string transcript = std::string("w8 051a 05\n w8 051b 00\n r8 051c ") + command;
     ScriptedBus bus(transcript.c_str());
@@ -143,7 +143,7 @@ TEST(NatByIndex, AReadWithoutSuccessLoadsNothing) {
     w8  051c 0c
     r8  051c 0c
     w8  051c 04
-    r8  051c 07        # done; the result is a load of its own
+    r8  051c 07        # done; the result is a separate load
     r8  051c 03
   )");
   NatEntry entry = EntryAt(5);
@@ -289,7 +289,7 @@ TEST(NatByIndex, ADeleteMayFailAtEachOfItsSteps) {
   };
   for (const Case& c : {
            Case{"r8 051c 03", DriverStatus::kRefused},                // the read failed
-           Case{"r8 051c 07\n r8 051c 05", DriverStatus::kNotReady},  // busy behind the read
+           Case{"r8 051c 07\n r8 051c 05", DriverStatus::kNotReady},  // busy after the read
            Case{"r8 051c 07\n r8 051c 07\n r8 051c 04\n w8 051c 1c\n r8 051c 1c\n w8 051c 14\n"
                 "r8 051c 03",
                 DriverStatus::kRefused},  // the delete failed

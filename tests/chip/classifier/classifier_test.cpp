@@ -156,7 +156,7 @@ TEST_F(ClassifierEngine, AnOverflowClearTakesAwayTheOnesAndNoCounter) {
   EXPECT_EQ(chip_.classifier.map[8], 0x80);
   EXPECT_EQ(chip_.classifier.Entries()[5].counter, 7U);
 
-  Run(0x26);  // a read under the counter select loads everything all the same
+  Run(0x26);  // a read under the counter select still loads everything
   EXPECT_EQ(Load8(0x728), 0x7F);
   EXPECT_EQ(Load8(0x729), 0x00);
   EXPECT_EQ(Load8(0x730), 0x80);

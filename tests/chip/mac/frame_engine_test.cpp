@@ -22,7 +22,7 @@ TEST_F(FrameEngineModel, ATransmissionLeavesAtTheSecondLoadBehindTheStart) {
   chip_.frames.memory.Store(0x01002822, 1, 0x33);
   Store8(0x42A, 0x72);
   Store8(0x429, 0x05);
-  Store8(0x42B, 0x03);  // the start clears the done bit all the same
+  Store8(0x42B, 0x03);  // the start clears the done bit anyway
   EXPECT_EQ(Load8(0x42B), 0x01);
   EXPECT_TRUE(sent_.empty());
   EXPECT_EQ(Load8(0x42B), 0x03);

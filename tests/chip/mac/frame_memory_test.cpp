@@ -28,7 +28,7 @@ TEST_F(BufferMemory, LiesWhereTheBaseRegisterSays) {
   Store(0x01000820, 0x5A);
   chip_.registers.Store(0x10C, 2, 0xFFFF);
   EXPECT_EQ(Load(0xFFFF0820), 0x5AU);
-  Store(0x0006F820, 0xA5);  // behind the end of the address space: buffer ff
+  Store(0x0006F820, 0xA5);  // past the end of the address space: buffer ff
   chip_.registers.Store(0x10C, 2, 0x0100);
   EXPECT_EQ(Load(0x0107F820), 0xA5U);
   EXPECT_TRUE(chip_.registers.Complaints().empty());
@@ -43,7 +43,7 @@ TEST_F(BufferMemory, HalfwordsAreLittleEndianOnEveryHost) {
   EXPECT_EQ(Load(0x01000002, 2), 0x5678U);
 }
 
-TEST_F(BufferMemory, EndsBehindTheLongestFrameOfTheLastBuffer) {
+TEST_F(BufferMemory, EndsAfterTheLongestFrameOfTheLastBuffer) {
   Store(0x0108001F, 0x77);
   EXPECT_EQ(Load(0x0108001F), 0x77U);
   EXPECT_TRUE(chip_.registers.Complaints().empty());
@@ -101,7 +101,7 @@ TEST_F(BufferMemory, ACopyOntoItsOwnSourceRepeatsTheFirstByte) {
   EXPECT_EQ(Load(0x01000823), 0x31U);
 }
 
-TEST_F(BufferMemory, ACopyComplainsOfEachByteOutside) {
+TEST_F(BufferMemory, ACopyComplainsAboutEachByteOutside) {
   Store(0x0108001F, 0x31);
   chip_.frames.memory.Copy(0x01000820, 0x0108001F, 2);
   EXPECT_EQ(Load(0x01000820), 0x31U);

@@ -152,7 +152,7 @@ TEST_F(StatCounterModel, CountersWrapAtTheirWidthAndRaiseTheirOverflowBit) {
   EXPECT_EQ(overflow()[kLan], 0U);
 }
 
-TEST_F(StatCounterModel, APortThatIsNotThereIsComplainedAbout) {
+TEST_F(StatCounterModel, ANonexistentPortIsComplainedAbout) {
   ReadStep(0x18);
   EXPECT_EQ(chip_.registers.Complaints().count("sc step on a port that is not there"), 1U);
   chip_.registers.ForgetComplaints();
@@ -161,7 +161,7 @@ TEST_F(StatCounterModel, APortThatIsNotThereIsComplainedAbout) {
 TEST_F(StatCounterModel, ItsEngineIsNamedSc) {
   ASSERT_TRUE(chip_.SetFault("sc", {.kind = Fault::Kind::kBusy}));
   EXPECT_EQ(Load8(0x85C), 0x00);
-  EXPECT_FALSE(chip_.SetFault("nobody", {}));
+  EXPECT_FALSE(chip_.SetFault("unknown", {}));
 }
 
 TEST_F(StatCounterModel, AFailedStepForgetsWhatWasStored) {

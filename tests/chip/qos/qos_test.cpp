@@ -20,7 +20,7 @@ TEST(QosRegisters, AreStorageThatStartsAtZero) {
   EXPECT_TRUE(chip.registers.Complaints().empty());
 }
 
-TEST(QosRegisters, EndBehindTheXoffThreshold) {
+TEST(QosRegisters, EndAfterTheXoffThreshold) {
   RouterChip chip;
   (void)chip.registers.Load(0x847, 1);
   EXPECT_EQ(chip.registers.Complaints().count("no register at 0847"), 1U);

@@ -71,7 +71,7 @@ TEST_F(GpioPins, TheSettingOnlyHolds) {
   EXPECT_EQ(Load8(0x221), 0x00);
 }
 
-TEST_F(GpioPins, AResetStopsDrivingButNotTheWorldOutside) {
+TEST_F(GpioPins, AResetStopsDrivingButKeepsTheLevelsFromOutside) {
   Store8(0x220, 0xF0);
   Store8(0x221, 0xFF);
   chip_.gpio.SetInputs(0x3C);

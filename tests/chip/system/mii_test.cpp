@@ -90,7 +90,7 @@ TEST_F(MiiModel, PhysAnswerAtOneTwoAndFour) {
   }
 }
 
-TEST_F(MiiModel, NobodyTakesAWrite) {
+TEST_F(MiiModel, AWriteToAnAbsentPhyChangesNothing) {
   WritePhy(3, 4, 0x0000);
   EXPECT_EQ(ReadPhy(3, 4), 0xFFFFU);
   EXPECT_EQ(ReadPhy(1, 4), 0x01E1U);
@@ -187,7 +187,7 @@ TEST_F(MiiModel, FaultsHangItMakeItBusySlowOrFailing) {
 
   ASSERT_TRUE(chip_.SetFault("mii", {}));
   for (int i = 0; i < 3; ++i) EXPECT_EQ(Load16(0x408), 0x01C4U);
-  EXPECT_EQ(Load16(0x408), 0x61C4U);  // goes on where it hung
+  EXPECT_EQ(Load16(0x408), 0x61C4U);  // continues where it hung
   EXPECT_EQ(Load16(0x40C), 0x01E1U);
 }
 

@@ -25,7 +25,7 @@ class ResetBits : public testing::Test {
 
 TEST_F(ResetBits, AreClearAtPowerOnAndDoneIsSet) { EXPECT_EQ(Load8(0x100), 0x04); }
 
-TEST_F(ResetBits, DoneIsClearWhileABitIsHeldAndRisesBehindTheLastRelease) {
+TEST_F(ResetBits, DoneIsClearWhileABitIsHeldAndRisesAfterTheLastRelease) {
   constexpr std::uint8_t kBits[] = {0x01, 0x10, 0x20};
   for (const std::uint8_t bit : kBits) {
     Store8(0x100, bit);
@@ -49,7 +49,7 @@ TEST_F(ResetBits, DoneIsNotForSoftwareToChange) {
   EXPECT_EQ(Load8(0x100), 0x20);
 }
 
-TEST_F(ResetBits, AHardwareResetTakesEverythingBackWhenItIsReleased) {
+TEST_F(ResetBits, AHardwareResetRestoresEverythingWhenItIsReleased) {
   Store8(0x240, 0xC0);
   chip_.registers.Store(0x600, 4, 0x0A010200);
   chip_.registers.Store(0x118, 2, 0x1000);
@@ -68,13 +68,13 @@ TEST_F(ResetBits, AHardwareResetTakesEverythingBackWhenItIsReleased) {
   EXPECT_EQ(chip_.registers.Load(0x102, 2), 0x5910U);
 }
 
-TEST_F(ResetBits, AHardwareResetLetsGoOfTheOtherBits) {
+TEST_F(ResetBits, AHardwareResetReleasesTheOtherBits) {
   Store8(0x100, 0x31);
   Store8(0x100, 0x30);
   EXPECT_EQ(Load8(0x100), 0x04);
 }
 
-TEST_F(ResetBits, ACpuAndChipSelectResetTakesBackTheMemoryControllerOnly) {
+TEST_F(ResetBits, ACpuAndChipSelectResetRestoresTheMemoryControllerOnly) {
   for (std::uint32_t start = 0x110; start <= 0x124; start += 4) {
     chip_.registers.Store(start, 2, 0x1234);
   }

@@ -65,7 +65,7 @@ TEST_F(TimerCounters, ADivisorOf0CountsAs1) {
   EXPECT_EQ(Load16(0x200), 7U);
 }
 
-TEST_F(TimerCounters, StartAgainBehind0) {
+TEST_F(TimerCounters, StartAgainAfter0) {
   Store16(0x202, 2);
   Store16(0x204, 1);
   Store8(0x20E, 0x02);
@@ -102,7 +102,7 @@ TEST_F(TimerCounters, APauseHoldsTheCounterAndTheCountBegun) {
   EXPECT_EQ(Load16(0x200), 98U);
 }
 
-TEST_F(TimerCounters, AStopLoadsTheCounterAlsoWhenPaused) {
+TEST_F(TimerCounters, AStopLoadsTheCounterEvenWhenPaused) {
   Store16(0x20A, 100);
   Store16(0x20C, 10);
   Store8(0x20E, 0x01);

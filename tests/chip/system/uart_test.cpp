@@ -51,7 +51,7 @@ TEST_F(UartModel, StoredBytesAreSent) {
   EXPECT_EQ(Load8(0x300), 0x00);  // what is sent is not what is received
 }
 
-TEST_F(UartModel, TheDivisorLatchStandsInFrontOfDataAndInterruptEnable) {
+TEST_F(UartModel, TheDivisorLatchHidesDataAndInterruptEnable) {
   chip_.uart.Receive(0x41);
   Store8(0x301, 0x05);
   Store8(0x303, 0x83);

@@ -90,7 +90,7 @@ TEST_F(NatEngine, AWrittenEntryReadsBackAfterTheWindowHeldAnother) {
   EXPECT_EQ(Load8(0x51B), 0x04);
 }
 
-TEST_F(NatEngine, TheServerTableIsAnotherTable) {
+TEST_F(NatEngine, TheServerTableIsASeparateTable) {
   Store8(0x51A, 0x0F);
   StoreEntry(0x0A000041, 0x0050, 0x03);
   EXPECT_TRUE(RunWrite());
@@ -111,7 +111,7 @@ TEST_F(NatEngine, ServerSlotsAbove15DoNotExist) {
   EXPECT_FALSE(RunDelete());
 }
 
-TEST_F(NatEngine, AWriteIsRefusedWhereAnotherDestinationStands) {
+TEST_F(NatEngine, AWriteIsRefusedWhereAnotherDestinationIsStored) {
   Store8(0x51A, 0x10);
   StoreEntry(0x0A000041, 0x0050, 0x04);
   EXPECT_TRUE(RunWrite());

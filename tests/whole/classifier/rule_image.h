@@ -1,5 +1,5 @@
 // What the classifier's registers should hold for a typed rule, and what the monitor should make
-// of them, worked out from the offsets and bits of the chip alone.
+// of them, derived from the offsets and bits of the chip alone.
 #pragma once
 
 #include <array>

@@ -15,7 +15,7 @@ namespace {
 constexpr unsigned kRounds = 12'000;
 constexpr std::size_t kLongestLine = 253;
 
-/// What an argument is, beside a number of so many hexadecimal digits.
+/// What an argument is, other than a number of that many hexadecimal digits.
 enum Kind : int { kIp = -1, kLevel = -2, kPorts = -3 };
 
 struct KeywordForm {
@@ -42,8 +42,8 @@ class RuleTyper {
  public:
   unsigned Below(unsigned limit) { return static_cast<unsigned>(random_() % limit); }
 
-  /// A number of at most `digits` digits with its text: any case, perhaps with zeros in front,
-  /// perhaps behind a 0x.
+  /// A number of at most `digits` digits with its text: any case, perhaps with leading zeros,
+  /// perhaps with a 0x.
   std::uint64_t Number(unsigned digits, std::string& text) {
     const unsigned used = 1 + Below(digits);
     std::uint64_t value = 0;
@@ -117,7 +117,7 @@ SaidKeywords TypeKeywords(RuleTyper& typer, std::string& line) {
     for (const int kind : form.arguments) arguments.push_back(typer.Argument(kind, text));
     if (line.size() + text.size() > kLongestLine) continue;
     if (word == "CPU" && last == "CPU") continue;  // how many a group takes depends on its order
-    // Behind a group of interfaces the word belongs to the group, which takes one more for sure.
+    // After a group of interfaces the word belongs to the group, which takes one more for sure.
     const bool joins = word == "CPU" && last == "INT";
     line += text;
     last = word;
@@ -265,7 +265,7 @@ void ExpectRecord(const monitor::ClsRule& rule, const RuleImage& image) {
   EXPECT_EQ(rule.copyToCpu, 0);
 }
 
-TEST(ClassifierRules, TypedRulesStandInTheChipAndReadBack) {
+TEST(ClassifierRules, TypedRulesReachTheChipAndReadBack) {
   static chip::RouterChip chip;
   chip::Attach(chip);
   PressCtrlCInWaits(true);  // an engine that hangs is a failure, not a wait
