@@ -6,12 +6,13 @@
 #include <cerrno>
 #include <string_view>
 
-#include "console/console_port.h"
 #include "host/end_signals.h"
 #include "host/printable.h"
 
 namespace board {
 namespace {
+
+void (*g_flush)() = [] {};
 
 /// On a terminal in raw mode a line needs a carriage return, and the cursor may be after a
 /// prompt.
@@ -23,7 +24,7 @@ bool OnRawTerminal() {
 }  // namespace
 
 void Report(const std::string& text) {
-  monitor::ConsoleFlush();
+  g_flush();
   const bool raw = OnRawTerminal();
   const std::string line =
       (raw ? "\r\n" : "") + (kProgram + (": " + Printable(text))) + (raw ? "\r\n" : "\n");
@@ -40,5 +41,7 @@ void Report(const std::string& text) {
     if (error != 0) return;
   }
 }
+
+void FlushBeforeMessages(void (*flush)()) { g_flush = flush; }
 
 }  // namespace board

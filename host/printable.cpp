@@ -1,11 +1,10 @@
 #include "host/printable.h"
 
-#include "chip/hex.h"
-
 namespace board {
 namespace {
 
 std::string Escape(char c) {
+  constexpr char kDigits[] = "0123456789abcdef";
   switch (c) {
     case '\n':
       return "\\n";
@@ -14,7 +13,7 @@ std::string Escape(char c) {
     case '\t':
       return "\\t";
     default:
-      return "\\x" + chip::Hex(static_cast<unsigned char>(c), 2);
+      return {'\\', 'x', kDigits[c >> 4 & 0x0F], kDigits[c & 0x0F]};
   }
 }
 

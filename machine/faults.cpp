@@ -5,7 +5,7 @@
 #include <sstream>
 #include <vector>
 
-#include "virtual_board/options.h"
+#include "host/usage_error.h"
 
 namespace board {
 namespace {

@@ -14,7 +14,7 @@ import unittest
 
 TESTS = pathlib.Path(__file__).resolve().parent
 TOP = TESTS.parent
-MONITOR = ("core", "shell", "system", "mac", "tables", "classifier", "qos")
+MONITOR = ("core", "console", "shell", "system", "mac", "tables", "classifier", "qos", "pppoe")
 
 CODE = re.compile(r"`([^`]+)`")
 TEST_MACRO = re.compile(r"^TEST(?:_F|_P)?\((\w+), (\w+)\)", re.MULTILINE)

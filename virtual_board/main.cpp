@@ -43,6 +43,7 @@ int Run(const board::Options& options) {
 
 int main(int argc, char** argv) {
   OccupyStandardDescriptors();
+  board::FlushBeforeMessages(monitor::ConsoleFlush);
   // A file that may not grow is a write error like any other.
   std::signal(SIGXFSZ, SIG_IGN);
   try {

@@ -1,18 +1,13 @@
 #pragma once
 
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
+#include "host/usage_error.h"
 #include "machine/ports/network.h"
 
 namespace board {
-
-/// A command line that makes no sense; what() names the part and what would be right.
-struct UsageError : std::runtime_error {
-  using std::runtime_error::runtime_error;
-};
 
 /// What the command line asks for.
 struct Options {

@@ -187,7 +187,7 @@ class Completeness(BoardTest):
 
     def test_every_failure(self):
         page = read(CONSOLE_PAGE)
-        for folder in ("system", "mac", "tables", "classifier", "qos"):
+        for folder in ("system", "mac", "tables", "classifier", "qos", "pppoe"):
             for path in glob.glob(os.path.join(SOURCES, folder, "*_command.cpp")):
                 for failure in re.findall(r'"([^"\n]* failed)', read(path)):
                     self.assertTrue(failure in page, failure)

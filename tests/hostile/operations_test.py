@@ -12,7 +12,7 @@ import sys
 import unittest
 
 TOP = pathlib.Path(__file__).resolve().parent.parent.parent
-BLOCKS = ("system", "mac", "tables", "classifier", "qos")
+BLOCKS = ("system", "mac", "tables", "classifier", "qos", "pppoe")
 
 # Functions of the blocks that make no bus access: commands and prints go through the operations,
 # the rest turns words into records and records into words.

@@ -94,6 +94,6 @@ void ConsoleSend(const char* /*text*/, std::size_t /*count*/) {}
 void ConsoleFlush() { OnEvent(Kind::kFlush); }
 void ConsoleWait(long /*microseconds*/) { std::abort(); }  // No driver operation sleeps.
 void ConsoleIdle(long /*microseconds*/) { std::abort(); }
-bool WaitInterrupted(const Awaited& /*awaited*/) { return Happen(Kind::kLook) != 0; }
+bool WaitInterrupted(const Awaited& /*awaited*/) { return OnEvent(Kind::kLook) != 0; }
 
 }  // namespace monitor
