@@ -179,9 +179,10 @@ bool AbandonOutput() {
 /// A message that does not go through the console, which may be what failed.
 void Complain(const char* reason) {
   const auto tell = [](const char* text) {
-    while (write(STDERR_FILENO, text, strlen(text)) < 0 && errno == EINTR && !AbandonOutput()) {
-      continue;
-    }
+    ssize_t done;
+    do {
+      done = write(STDERR_FILENO, text, strlen(text));
+    } while (done < 0 && errno == EINTR && !AbandonOutput());
   };
   tell(g_setup.program);
   tell(": cannot write console output: ");

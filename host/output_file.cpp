@@ -31,8 +31,9 @@ OutputFile::OutputFile(const std::string& path, const std::string& kind, std::st
       file_(open(path.c_str(), kFlags | O_EXCL, kReadableByAll)),
       made_(file_.Open()) {
   if (!made_) file_ = Descriptor(open(path.c_str(), kFlags, kReadableByAll));
-  if (!file_.Open())
+  if (!file_.Open()) {
     throw std::system_error(errno, std::generic_category(), "cannot open " + name_);
+  }
   Add(header);
   if (!IsRegular(file_.Get())) Start();
 }
