@@ -43,7 +43,7 @@ void CatchEndSignals() {
   event.sigev_notify = SIGEV_SIGNAL;
   event.sigev_signo = kTickSignal;
   if (timer_create(CLOCK_MONOTONIC, &event, &g_timer) < 0) {
-    throw std::system_error(errno, std::generic_category(), "cannot make a timer");
+    throw std::system_error(errno, std::generic_category(), "cannot create a timer");
   }
   // Without SA_RESTART, so that what blocks comes back.
   struct sigaction action {};

@@ -66,7 +66,7 @@ void OutputFile::Flush() {
   WriteOut();
   if (error_ == 0 || reported_) return;
   reported_ = true;
-  Report("cannot write " + name_ + ": " + std::strerror(error_) + "; it ends here");
+  Report("cannot write " + name_ + ": " + std::strerror(error_) + "; the file ends here");
 }
 
 void OutputFile::FlushAtOnce() {

@@ -23,8 +23,8 @@ std::string CheckArgument(const std::string& argument) {
 
 std::string CheckName(const std::string& argument) {
   if (argument != "-") return CheckArgument(argument);
-  return "'-' is not a file: standard input and output carry the console; give a name, './-' for a "
-         "file called that";
+  return "'-' is not a file: standard input and output carry the console; name a file, './-' for "
+         "one called '-'";
 }
 
 std::string CheckFile(const std::string& argument) {

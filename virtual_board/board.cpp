@@ -146,7 +146,7 @@ bool Board::WriteAll() {
 int Board::StatusOfLines() const {
   const std::size_t done = progress_.LinesDone() + (progress_.Exited() ? 1 : 0);
   if (done >= first_lines_.size()) return progress_.Status();
-  Report("'" + first_lines_[done] + "' is after an 'exit' and was not run");
+  Report("'" + first_lines_[done] + "' follows an 'exit' and was not run");
   return std::max(progress_.Status(), kExitRefused);
 }
 

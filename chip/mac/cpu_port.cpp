@@ -105,7 +105,7 @@ void CpuPort::ReceivedState(StateArchive& archive) {
   in_received_.reset();
   for (const std::uint8_t handle : received_) {
     RequireOfBuffer(archive, pool_.Held(handle), "received", handle, "is not held");
-    RequireOfBuffer(archive, !in_received_[handle], "received", handle, "is there twice");
+    RequireOfBuffer(archive, !in_received_[handle], "received", handle, "is listed twice");
     in_received_.set(handle);
   }
   OfferNext();

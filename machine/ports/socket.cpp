@@ -82,7 +82,7 @@ class SocketPort : public Port {
       return error == 0;
     }
     if (!std::exchange(refused_, true)) {
-      Report("unix:" + path_ + ": cannot connect a program: " + std::strerror(error) +
+      Report("unix:" + path_ + ": cannot accept a connection: " + std::strerror(error) +
              "; trying again every second");
     }
     itimerspec when{};

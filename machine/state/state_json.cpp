@@ -74,7 +74,7 @@ void CheckShape(const std::string& text) {
       continue;
     }
     const bool opens = c == '{' || c == '[';
-    if (opens && ++depth > kDeepest) Refuse(text, i, "deeper than any state");
+    if (opens && ++depth > kDeepest) Refuse(text, i, "nested deeper than any state");
     if ((opens || c == ',') && ++values > kMostValues) {
       Refuse(text, i, "more values than any state has");
     }

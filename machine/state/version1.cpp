@@ -85,7 +85,7 @@ class Node {
     if (value_.is_number_unsigned()) {
       number = value_.get<std::uint64_t>();
     } else if (!value_.is_string() || !ParseHex(value_.get<std::string>(), digits, number)) {
-      Refuse("is not a text of " + std::to_string(digits) + " hexadecimal digits");
+      Refuse("is not a string of " + std::to_string(digits) + " hexadecimal digits");
     }
     if (number >> (4 * digits) != 0) Refuse("is too large");
     return number;

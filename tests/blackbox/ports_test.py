@@ -114,7 +114,7 @@ class Exchange(SocketTest):
         peer = self.connect(self.lan)
         octets = frames.frame(60)
         peer.send(octets)
-        message = f"virtual-board: unix:{self.lan}: cannot connect a program: Too many open files"
+        message = f"virtual-board: unix:{self.lan}: cannot accept a connection: Too many open files"
         errors = support.Screen(self, self.board.stderr.fileno())
         errors.shows(message.encode() + b"; trying again every second\n")
         used = self.processor_seconds()

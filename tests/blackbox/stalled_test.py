@@ -294,7 +294,7 @@ class EndSignals(StalledTest):
         stalled.process.send_signal(signal.SIGTERM)
         self.assertEqual(stalled.process.wait(support.DEADLINE), -signal.SIGTERM)
         message = f"virtual-board: cannot write the trace '{stalled.fifo}': "
-        message += "Interrupted system call; it ends here\n"
+        message += "Interrupted system call; the file ends here\n"
         self.assertEqual(stalled.process.stderr.read().decode(), message)
 
     def test_reader_that_goes_on_gets_everything(self):
@@ -343,7 +343,7 @@ class OtherSignals(StalledTest):
                     preexec_fn=support.die_quietly,
                 )
                 self.addCleanup(support.end, process)
-                self.assertIn(b"reads a word again", process.stderr.readline())
+                self.assertIn(b"keeps reading a word", process.stderr.readline())
                 process.send_signal(number)
                 self.assertEqual(process.wait(support.DEADLINE), -number)
 
