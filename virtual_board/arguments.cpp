@@ -11,7 +11,7 @@
 namespace board {
 namespace {
 
-/// Characters of a line that the monitor looks at; it cuts the others off.
+/// Characters of a line that the monitor looks at; it cuts off the rest.
 constexpr std::size_t kLongestLine = monitor::kLineBufferSize - 2;
 
 }  // namespace

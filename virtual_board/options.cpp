@@ -108,7 +108,7 @@ void Describe(CLI::App& app, Options& options) {
   }
 }
 
-/// Flags are there or not, although the parser would take a value for each.
+/// Flags take no value, although the parser would accept one for each.
 void RefuseFlagValues(const CLI::App& app, const std::vector<std::string>& words) {
   for (const std::string& word : words) {
     const std::size_t equals = word.find('=');

@@ -262,7 +262,7 @@ class Chip(unittest.TestCase):
 
 
 class Complaints(unittest.TestCase):
-    """What standard error tells of accesses that software should not make."""
+    """What standard error says about accesses that software should not make."""
 
     PREFIX = "virtual-board: the chip complains: "
 

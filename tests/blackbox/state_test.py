@@ -299,7 +299,7 @@ VERSION1 = os.path.join(os.path.dirname(__file__), "..", "state", "version1")
 
 
 class Version1(StateTest):
-    """Files that were saved in the first version, each beside the commands that led to it."""
+    """Files that were saved in the first version, each with the commands that led to it."""
 
     def test_is_the_board_that_it_was(self):
         states = sorted(glob.glob(os.path.join(VERSION1, "*.json")))
@@ -630,7 +630,7 @@ class Saving(StateTest):
 
     @unittest.skipUnless(os.geteuid() == 0, "only root can play two users")
     def test_group_stays_where_the_owner_cannot(self):
-        """Somebody else saves, who is in the file's group."""
+        """Another user saves, who is in the file's group."""
         os.chmod(self.folder, 0o777)
         self.save(b"")
         os.chown(self.path("saved"), 1234, 4321)
