@@ -67,7 +67,7 @@ void OutputFile::Flush() {
   WriteOut();
   if (error_ == 0 || reported_) return;
   reported_ = true;
-  Report("cannot write " + name_ + ": " + std::strerror(error_) + "; it ends here");
+  Report("cannot write " + name_ + ": " + std::strerror(error_) + "; the file ends here");
 }
 
 void OutputFile::FlushAtOnce() {
@@ -75,7 +75,7 @@ void OutputFile::FlushAtOnce() {
   fcntl(file_.Get(), F_SETFL, O_NONBLOCK);
   const BrokenPipeIsError guard;
   const ssize_t done = write(file_.Get(), text_.data() + begin_, end_ - begin_);
-  // Where something is missing, nothing may follow.
+  // Nothing may follow a gap.
   if (std::cmp_not_equal(done, end_ - begin_)) error_ = EAGAIN;
   begin_ = end_ = 0;
 }
@@ -100,7 +100,7 @@ void OutputFile::Remove() const {
   struct stat made {};
   struct stat there {};
   if (fstat(file_.Get(), &made) != 0 || lstat(path_.c_str(), &there) != 0) return;
-  // Somebody else may have put another file in its place.
+  // Another program may have put its own file in its place.
   if (there.st_dev == made.st_dev && there.st_ino == made.st_ino) unlink(path_.c_str());
 }
 
