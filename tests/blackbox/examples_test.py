@@ -1,5 +1,6 @@
 """The examples for driving the console, each run as its user would, against a board."""
 
+import glob
 import os
 import re
 import shlex
@@ -46,7 +47,7 @@ def wait_for_listener(port):
     """Waits until a program listens on a TCP port of this machine."""
     row = re.compile(rf"^ *\d+: [0-9A-F]+:{int(port):04X} [0-9A-F]+:0000 0A", re.MULTILINE)
     deadline = time.monotonic() + support.DEADLINE
-    while not any(row.search(read(path)) for path in ("/proc/net/tcp", "/proc/net/tcp6")):
+    while not any(row.search(read(path)) for path in glob.glob("/proc/net/tcp*")):
         if time.monotonic() > deadline:
             raise TimeoutError(f"nobody listens on port {port}")
         time.sleep(0.01)
