@@ -68,7 +68,7 @@ class ConsoleTest(unittest.TestCase):
         # pylint: disable=consider-using-with
         self.board = subprocess.Popen([BOARD, "--pty", self.console], stderr=subprocess.PIPE)
         self.addCleanup(support.end, self.board)
-        support.Screen(self, self.board.stderr.fileno()).until(b"\n")
+        self.started = support.Screen(self, self.board.stderr.fileno()).until(b"\n")
 
     def leave_half_a_line(self):
         """What an earlier user may have left behind."""
@@ -155,7 +155,6 @@ class Scripts(ConsoleTest):
         self.assertIn(b"Ran 3 tests", done.stderr)
         self.board_is_free()
 
-
     def test_pexpect_without_a_console(self):
         environment = {name: os.environ[name] for name in os.environ if name != "CONSOLE"}
         done = support.run([sys.executable, "-B", example("console_test.py")], env=environment)
@@ -226,7 +225,7 @@ class Network(ConsoleTest):
 @needs("ser2net")
 @needs("telnet")
 class AsPrinted(ConsoleTest):
-    """The examples of automation.md in their order, on a board that its first line has started."""
+    """The examples of automation.md in their order, on a board started as in its first line."""
 
     def setUp(self):
         super().setUp()
@@ -235,8 +234,12 @@ class AsPrinted(ConsoleTest):
 
     def test_one_after_the_other(self):
         [(_, console), (_, commands)] = blocks(AUTOMATION)
-        start, _ = steps(console)[0]
+        start, [started] = steps(console)[0]
         self.assertEqual(start, "virtual-board --pty /tmp/console &")
+        device = re.compile("/dev/pts/[0-9]+")
+        self.assertEqual(
+            device.sub("PTY", self.mine(started)), device.sub("PTY", self.started.decode().rstrip())
+        )
         for command, printed in steps(console)[1:]:
             with self.subTest(command):
                 self.follow(self.mine(command), printed)

@@ -10,9 +10,9 @@ the shell. Sessions are typed on a board of their own, and the terminal then sho
     L3 Read failed
 
 In the others "$ " begins a line for the shell, "> " continues it, and below stands what it prints;
-a block of commands alone has to succeed. The shell finds the programs in PATH and the in.pcap of the
+a block of commands alone must succeed. The shell finds the programs in PATH and the in.pcap of the
 examples in its folder. Blocks with unshare or nsenter need a network of their own; tap_test.py does
-what they show. Those of automation.md are run by examples_test.py.
+what they show. The blocks of automation.md are run by examples_test.py.
 """
 
 import os

@@ -10,7 +10,7 @@ PAGES = sorted(glob.glob(os.path.join(SOURCES, "packaging/man/*.[1-9]")))
 
 
 def read(path):
-    with open(path, encoding="ascii") as file:
+    with open(path, encoding="utf-8") as file:
         return file.read()
 
 

@@ -1,8 +1,8 @@
 """The manual pages as they are shown: what they quote is what the programs print, and nothing is
-missing in them.
+missing.
 
-What stands between “ and ” is a whole text that a program prints, or what of it stands between tabs,
-line ends and colons. Keys, words and parts of lines stand between ‘ and ’.
+Between “ and ” is a whole text that a program prints, or a part of one between tabs, line ends and
+colons. Keys, words and other parts of lines are between ‘ and ’.
 """
 
 import glob
@@ -55,7 +55,7 @@ class Shown(BoardTest):
         for path in glob.glob(os.path.join(SOURCES, "*", "*.cpp")):
             answers.update(re.findall(r'"([^"\n]* failed)\\n\\r"', read(path)))
         self.assertGreater(len(answers), 50)
-        answers.remove("SDRAM WriteType failed")  # No command comes to it.
+        answers.remove("SDRAM WriteType failed")  # No command gets there.
         quoted = re.findall("“([^”]*)”", shown(CONSOLE_PAGE))
         self.assertEqual(answers - set(quoted), set())
 
