@@ -26,7 +26,6 @@ SLIPS = (
     (r"(?i)\bcheck sequence\b", "FCS"),
     (r"(?i)\b(?:tell|tells|told|telling) of\b", "say, report; call, for a hook"),
     (r"(?i)\bbeside\b", "next to, besides, in addition to, bypassing"),
-    (r"(?i)\b(?:any|every|no|some)body\b", "what acts: a program, another station; unused"),
 )
 
 # Where the same words are right.

@@ -343,7 +343,7 @@ class OtherSignals(StalledTest):
                     preexec_fn=support.die_quietly,
                 )
                 self.addCleanup(support.end, process)
-                self.assertIn(b"reads a word again", process.stderr.readline())
+                self.assertIn(b"keeps reading a word", process.stderr.readline())
                 process.send_signal(number)
                 self.assertEqual(process.wait(support.DEADLINE), -number)
 
