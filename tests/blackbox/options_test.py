@@ -321,7 +321,7 @@ class Complaints(unittest.TestCase):
         for script in (b"reg 1f00\nexit\nzz\n", b"reg 1f00\nzz"):
             self.assertEqual(self.complaints(script), ["no register at 1f00"])
         with open("/dev/full", "wb") as full:
-            done = run([BOARD], b"reg 1f00\n", stdout=full)
+            done = run([BOARD, "-c", "reg 1f00"], b"", stdout=full)
         self.assertIn(b"no register at 1f00\n", done.stderr)
 
     def test_strict(self):
