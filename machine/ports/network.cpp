@@ -28,9 +28,8 @@ void SetUpPort(chip::RegisterFile& registers, unsigned port) {
 }
 
 std::vector<std::string> InterfaceNames() {
-  std::vector<std::string> names;
-  for (const PortId port : monitor::kMacPorts) names.emplace_back(monitor::NameOf(port));
-  return names;
+  return {monitor::NameOf(PortId::kWan), monitor::NameOf(PortId::kLan),
+          monitor::NameOf(PortId::kDmz)};
 }
 
 /// Most frames that one port brings in one poll, so that none starves the others.
@@ -49,7 +48,7 @@ constexpr std::size_t kBuffersLeftFree = 64;
 Network::Network(chip::RouterChip& chip, const NetworkSetup& setup)
     : chip_(chip), watch_(epoll_create1(EPOLL_CLOEXEC)) {
   if (!watch_.Open()) throw PortError(std::string("cannot watch ports: ") + std::strerror(errno));
-  if (!setup.capture.empty()) capture_.emplace(setup.capture, InterfaceNames());
+  if (!setup.capture.empty()) recorder_.emplace(setup.capture, InterfaceNames());
   for (const PortId port : monitor::kMacPorts) {
     ports_[port] = OpenPort(setup.ports[port], setup.options);
     if (!ports_[port]) continue;
@@ -63,7 +62,7 @@ Network::Network(chip::RouterChip& chip, const NetworkSetup& setup)
 }
 
 void Network::Start() {
-  if (capture_) capture_->Start();
+  if (recorder_) recorder_->Start();
   for (const auto& port : ports_) {
     if (port) port->Start();
   }
@@ -95,13 +94,13 @@ void Network::Take(PortId port) {
     }
     const std::optional<Frame> frame = ports_[port]->Receive();
     if (!frame) return;
-    if (capture_) capture_->Record(monitor::IndexOf(port), Direction::kInbound, *frame);
+    if (recorder_) recorder_->Record(monitor::IndexOf(port), Direction::kInbound, *frame);
     chip_.frames.Receive(port, *frame);
   }
 }
 
 void Network::Send(PortId port, std::span<const std::uint8_t> frame) {
-  if (capture_) capture_->Record(monitor::IndexOf(port), Direction::kOutbound, frame);
+  if (recorder_) recorder_->Record(monitor::IndexOf(port), Direction::kOutbound, frame);
   if (!ports_[port]) return;
   ports_[port]->Send(frame);
   // What was closed leaves the set before its number comes to mean something else.
@@ -136,7 +135,7 @@ bool Network::Pending() const {
 }
 
 bool Network::Failed() const {
-  if (capture_ && capture_->Failed()) return true;
+  if (recorder_ && recorder_->Failed()) return true;
   for (const auto& port : ports_) {
     if (port && port->Failed()) return true;
   }

@@ -7,8 +7,8 @@
 
 #include "chip/router_chip.h"
 #include "host/descriptor.h"
-#include "machine/ports/capture_file.h"
 #include "machine/ports/port.h"
+#include "machine/ports/port_recorder.h"
 
 namespace board {
 
@@ -61,7 +61,7 @@ class Network {
   chip::RouterChip& chip_;
   chip::PerMacPort<std::unique_ptr<Port>> ports_;
   chip::PerMacPort<int> watched_{{-1, -1, -1}};
-  std::optional<CaptureFile> capture_;
+  std::optional<PortRecorder> recorder_;
   Descriptor watch_;
   unsigned looks_ = 0;
   bool waited_ = false;
