@@ -2,9 +2,10 @@
 
 #include <sys/epoll.h>
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstring>
-#include <utility>
 
 #include "mac/port_config.h"
 #include "mac/port_config_registers.h"
@@ -28,17 +29,14 @@ void SetUpPort(chip::RegisterFile& registers, unsigned port) {
 }
 
 std::vector<std::string> InterfaceNames() {
-  return {monitor::NameOf(PortId::kWan), monitor::NameOf(PortId::kLan),
-          monitor::NameOf(PortId::kDmz)};
+  std::vector<std::string> names;
+  for (const PortId port : monitor::kMacPorts) names.emplace_back(monitor::NameOf(port));
+  return names;
 }
 
-/// Most frames that one port brings in one poll, so that none starves the others.
-constexpr unsigned kFramesPerPoll = 64;
-
-/// Looks at the interrupt status between polls while received frames wait for the CPU. The packet
-/// service looks twice for each frame, so a port brings no more frames than were handled, and none
-/// has to be dropped only because it was fetched early.
-constexpr unsigned kLooksBetweenPolls = 2 * kFramesPerPoll;
+/// Looks of the CPU between draws while received frames wait for it. The packet service looks twice
+/// for each frame, so a capture brings no more frames than were handled.
+constexpr unsigned kLooksBetweenDraws = 2 * Network::kFramesPerPoll;
 
 /// Buffers that captures leave free for ports that cannot wait.
 constexpr std::size_t kBuffersLeftFree = 64;
@@ -58,7 +56,7 @@ Network::Network(chip::RouterChip& chip, const NetworkSetup& setup)
   chip_.frames.on_transmit = [this](PortId port, std::span<const std::uint8_t> frame) {
     Send(port, frame);
   };
-  chip_.interrupts.before_status = [this] { PollWhenDue(); };
+  chip_.interrupts.before_status = [this] { DrawCaptures(); };
 }
 
 void Network::Start() {
@@ -68,18 +66,24 @@ void Network::Start() {
   }
 }
 
-void Network::PollWhenDue() {
+void Network::DrawCaptures() {
   // While the monitor works off what has come, looking for more can wait a little.
-  if (chip_.frames.cpu.Waiting() && ++looks_ < kLooksBetweenPolls) return;
+  if (chip_.frames.cpu.Waiting() && ++looks_ < kLooksBetweenDraws) return;
   looks_ = 0;
-  // Captures without timing have no descriptor that would have ended the wait.
-  if (std::exchange(waited_, false) && !Pending()) return;
-  Poll();
+  for (const PortId port : monitor::kMacPorts) {
+    if (ports_[port] && ports_[port]->Waits()) Take(port);
+  }
 }
 
 void Network::Poll() {
+  const auto is_watched = [](int fd) { return fd >= 0; };
+  if (std::none_of(watched_.begin(), watched_.end(), is_watched)) return;
+  std::array<epoll_event, monitor::kMacPorts.size() + 1> events;
+  const int count = epoll_wait(watch_.Get(), events.data(), static_cast<int>(events.size()), 0);
+  unsigned ready = 0;
+  for (int i = 0; i < count; ++i) ready |= 1U << events[static_cast<std::size_t>(i)].data.u32;
   for (const PortId port : monitor::kMacPorts) {
-    if (!ports_[port]) continue;
+    if ((ready >> monitor::IndexOf(port) & 1U) == 0) continue;
     Take(port);
     UpdateLink(port);
   }
@@ -120,9 +124,13 @@ void Network::UpdateLink(PortId port) {
   // One that was closed has left the set by itself.
   if (watched_[port] >= 0) epoll_ctl(watch_.Get(), EPOLL_CTL_DEL, watched_[port], nullptr);
   watched_[port] = fd;
-  if (fd < 0) return;
+  if (fd >= 0) Watch(fd, monitor::IndexOf(port));
+}
+
+void Network::Watch(int fd, unsigned number) {
   epoll_event event{};
   event.events = EPOLLIN;
+  event.data.u32 = number;
   epoll_ctl(watch_.Get(), EPOLL_CTL_ADD, fd, &event);
 }
 
