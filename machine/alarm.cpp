@@ -9,8 +9,9 @@
 namespace board {
 
 Alarm::Alarm() : timer_(timerfd_create(CLOCK_MONOTONIC, TFD_NONBLOCK | TFD_CLOEXEC)) {
-  if (!timer_.Open())
+  if (!timer_.Open()) {
     throw std::system_error(errno, std::generic_category(), "cannot make a timer");
+  }
 }
 
 void Alarm::Set(std::optional<std::uint64_t> at) {

@@ -73,7 +73,7 @@ void Machine::Flush() {
 }
 
 bool Machine::Finish() {
-  // First what waits for nobody.
+  // First what needs no reader.
   const bool saved = Save();
   network_->Flush();
   if (trace_) trace_->Flush();

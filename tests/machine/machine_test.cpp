@@ -1,4 +1,4 @@
-// The machine by itself: nobody has a console here.
+// The machine by itself, without a console.
 #include "machine/machine.h"
 
 #include <gtest/gtest.h>
@@ -18,15 +18,16 @@ namespace {
 
 using monitor::PortId;
 
-/// A folder of its own for each test.
+std::filesystem::path NewFolder() {
+  std::string folder = (std::filesystem::temp_directory_path() / "machine.XXXXXX").string();
+  EXPECT_NE(mkdtemp(folder.data()), nullptr);
+  return folder;
+}
+
+/// Each test has a folder of its own.
 class MachineTest : public testing::Test {
  protected:
-  void SetUp() override {
-    std::string folder = (std::filesystem::temp_directory_path() / "machine.XXXXXX").string();
-    ASSERT_NE(mkdtemp(folder.data()), nullptr);
-    folder_ = folder;
-  }
-  void TearDown() override { std::filesystem::remove_all(folder_); }
+  ~MachineTest() override { std::filesystem::remove_all(folder_); }
 
   [[nodiscard]] std::string Path(const char* name) const { return folder_ / name; }
 
@@ -37,7 +38,7 @@ class MachineTest : public testing::Test {
   }
 
  private:
-  std::filesystem::path folder_;
+  std::filesystem::path folder_ = NewFolder();
 };
 
 /// A program on a port.
@@ -50,55 +51,58 @@ Descriptor Connect(const std::string& path) {
   return peer;
 }
 
-void SendFrame(const Descriptor& peer) {
-  constexpr std::array<char, 64> kFrame{};
-  EXPECT_EQ(send(peer.Get(), kFrame.data(), kFrame.size(), 0), 64);
+/// A machine with a program on its LAN port.
+class PumpTest : public MachineTest {
+ protected:
+  void SendFrame() {
+    constexpr std::array<char, 64> kFrame{};
+    EXPECT_EQ(send(peer_.Get(), kFrame.data(), kFrame.size(), 0), 64);
+  }
+
+  [[nodiscard]] bool IsReady() const {
+    pollfd entry{.fd = machine_.WatchedFd(), .events = POLLIN, .revents = 0};
+    return poll(&entry, 1, 0) == 1;
+  }
+
+ private:
+  [[nodiscard]] MachineSetup WithPort() const {
+    MachineSetup setup;
+    setup.network.ports[PortId::kLan] = "unix:" + Path("lan");
+    return setup;
+  }
+
+ protected:
+  Machine machine_{WithPort()};
+
+ private:
+  Descriptor peer_{Connect(Path("lan"))};
+};
+
+TEST_F(PumpTest, FramesComeInWhenItIsPumped) {
+  machine_.Pump();
+  EXPECT_FALSE(IsReady());
+  SendFrame();
+  EXPECT_TRUE(IsReady());
+  EXPECT_FALSE(machine_.FramesPending());
+  machine_.Pump();
+  EXPECT_TRUE(machine_.FramesPending());
+  EXPECT_FALSE(IsReady());
 }
 
-bool IsReady(const Machine& machine) {
-  pollfd entry{.fd = machine.WatchedFd(), .events = POLLIN, .revents = 0};
-  return poll(&entry, 1, 0) == 1;
-}
-
-TEST_F(MachineTest, FramesComeInWhenItIsPumped) {
-  MachineSetup setup;
-  setup.network.ports[PortId::kLan] = "unix:" + Path("lan");
-  Machine machine(setup);
-  machine.Start();
-  EXPECT_FALSE(IsReady(machine));
-  const Descriptor peer = Connect(Path("lan"));
-  SendFrame(peer);
-  EXPECT_TRUE(IsReady(machine));
-  EXPECT_FALSE(machine.FramesPending());
-  machine.Pump();
-  EXPECT_TRUE(machine.FramesPending());
-  EXPECT_FALSE(IsReady(machine));
-}
-
-TEST_F(MachineTest, BetweenStepsItIsPumpedOnceInAWhile) {
-  MachineSetup setup;
-  setup.network.ports[PortId::kLan] = "unix:" + Path("lan");
-  Machine machine(setup);
-  machine.Start();
-  const Descriptor peer = Connect(Path("lan"));
-  SendFrame(peer);
+TEST_F(PumpTest, BetweenStepsItIsPumpedOnceInAWhile) {
+  SendFrame();
   unsigned steps = 0;
-  for (; !machine.FramesPending() && steps < 1000; ++steps) machine.PumpWhenDue();
+  for (; !machine_.FramesPending() && steps < 1000; ++steps) machine_.PumpWhenDue();
   EXPECT_EQ(steps, 64U);
 }
 
-TEST_F(MachineTest, OnePumpTakes64FramesOfAPort) {
-  MachineSetup setup;
-  setup.network.ports[PortId::kLan] = "unix:" + Path("lan");
-  Machine machine(setup);
-  machine.Start();
-  const Descriptor peer = Connect(Path("lan"));
-  for (unsigned i = 0; i < 65; ++i) SendFrame(peer);
-  const std::size_t free = machine.Chip().frames.pool.Free();
-  machine.Pump();
-  EXPECT_EQ(free - machine.Chip().frames.pool.Free(), 64U);
-  machine.Pump();
-  EXPECT_EQ(free - machine.Chip().frames.pool.Free(), 65U);
+TEST_F(PumpTest, OnePumpTakes64FramesOfAPort) {
+  for (unsigned i = 0; i < 65; ++i) SendFrame();
+  const std::size_t free = machine_.Chip().frames.pool.Free();
+  machine_.Pump();
+  EXPECT_EQ(free - machine_.Chip().frames.pool.Free(), 64U);
+  machine_.Pump();
+  EXPECT_EQ(free - machine_.Chip().frames.pool.Free(), 65U);
 }
 
 TEST_F(MachineTest, FilesKeepTheirContentUntilItStarts) {

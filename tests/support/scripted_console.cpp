@@ -90,7 +90,7 @@ void ConsoleFlush() {
 void ConsoleWait(long microseconds) {
   ConsoleFlush();
   g_sleeps.push_back(microseconds);
-  if (!g_input.empty() || g_ended) {
+  if (!g_input.empty()) {
     g_idle_sleeps = 0;
     return;
   }
