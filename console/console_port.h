@@ -10,6 +10,9 @@ namespace monitor {
 /// half a second after a Ctrl-C that WaitInterrupted has found.
 [[nodiscard]] int ConsoleReadChar();
 
+/// True when the console has ended: no character comes any more, and no wait lasts.
+[[nodiscard]] bool ConsoleEnded();
+
 /// Queues `count` characters for output. Nothing is lost: a full queue is flushed first.
 void ConsoleSend(const char* text, std::size_t count);
 

@@ -92,7 +92,7 @@ void WaitForInputOrWatched(long microseconds) {
     // The wait itself was the look that the next pass would take.
     g_passes_to_look = 1;
   } else if (entries[1].revents != 0) {
-    g_setup.on_watched();
+    g_setup.host->OnWatched();
   }
 }
 
@@ -115,18 +115,23 @@ std::size_t ReadWaiting(char* text, std::size_t room) {
   return 0;
 }
 
-void BetweenSteps() {
-  if (g_setup.between_steps != nullptr) g_setup.between_steps();
+/// The reader of the output holds up the program's end and gets nothing more.
+bool g_output_abandoned = false;
+
+/// True when the console has ended. What the command that runs still has to say is then lost.
+bool CutShort() {
+  if (!ConsoleEnded()) return false;
+  g_output_abandoned = true;
+  return true;
 }
 
 /// True when the input is a terminal that has hung up, from which nothing can ever come again. The
 /// kernel signals that on a controlling terminal only, so the program is ended by the same signal
-/// on any other; this returns if it is ignored.
+/// on any other; this returns if it is ignored, or the program puts its end off.
 bool HungUp() {
   if (isatty(g_setup.input) != 0 || errno != EIO) return false;
   raise(SIGHUP);
-  // The program may have put off its end until now.
-  BetweenSteps();
+  (void)CutShort();
   return true;
 }
 
@@ -168,11 +173,8 @@ void EndFlood() {
   if (g_flood == Flood::kBetweenLines) g_flood = Flood::kNone;
 }
 
-/// The reader of the output holds up the program's end and gets nothing more.
-bool g_output_abandoned = false;
-
 bool AbandonOutput() {
-  if (g_setup.abandon_output != nullptr) g_output_abandoned = g_setup.abandon_output();
+  g_output_abandoned = g_setup.host != nullptr && g_setup.host->AbandonsOutput();
   return g_output_abandoned;
 }
 
@@ -231,7 +233,8 @@ void Queue(const char* text, std::size_t count) {
 void ConsoleOpen(const ConsoleSetup& setup) { g_setup = setup; }
 
 int ConsoleReadChar() {
-  BetweenSteps();
+  if (ConsoleEnded()) return -1;
+  if (g_setup.host != nullptr) g_setup.host->BetweenSteps();
   if (!g_setup.first.empty()) {
     const char c = g_setup.first.front();
     g_setup.first.remove_prefix(1);
@@ -265,12 +268,12 @@ int ConsoleReadChar() {
 
 void ConsoleSend(const char* text, std::size_t count) {
   g_passes_to_look = 0;
-  if (g_setup.filter == nullptr) {
+  if (!g_setup.selects_output) {
     Queue(text, count);
     return;
   }
   for (; count != 0; --count, ++text) {
-    if (!g_setup.filter(*text)) Queue(text, 1);
+    if (!g_setup.host->DropsOutput(*text)) Queue(text, 1);
   }
 }
 
@@ -283,27 +286,31 @@ void ConsoleFlush() {
 void ConsoleWait(long microseconds) {
   g_passes_to_look = 0;
   ConsoleFlush();
-  if (g_input_begin != g_input_end || !g_setup.first.empty()) return;
-  if (g_setup.before_wait != nullptr) g_setup.before_wait();
+  if (g_input_begin != g_input_end || !g_setup.first.empty() || ConsoleEnded()) return;
+  if (g_setup.host != nullptr) g_setup.host->BeforeWait();
   if (!g_input_ended) {
     WaitForInputOrWatched(microseconds);
     return;
   }
   (void)HungUp();
-  if (g_setup.at_end_of_input != nullptr) g_setup.at_end_of_input(g_input_error, g_in_line);
+  if (g_setup.host != nullptr && !ConsoleEnded())
+    g_setup.host->OnEndOfInput(g_input_error, g_in_line);
+  if (ConsoleEnded()) return;
   const bool shorter = microseconds >= 0 && microseconds < kEndedPauseMicroseconds;
   Sleep(shorter ? microseconds : kEndedPauseMicroseconds);
 }
 
+bool ConsoleEnded() { return g_setup.host != nullptr && g_setup.host->Ended(); }
+
 void ConsoleIdle(long microseconds) {
-  const bool only_events = g_setup.only_events != nullptr && g_setup.only_events();
+  const bool only_events = g_setup.host != nullptr && g_setup.host->OnlyEvents();
   ConsoleWait(only_events ? -1 : microseconds);
 }
 
 bool WaitInterrupted(const Awaited& awaited) {
-  BetweenSteps();
+  if (CutShort()) return true;
   ConsoleFlush();
-  if (g_setup.on_long_wait != nullptr) g_setup.on_long_wait(awaited);
+  if (g_setup.host != nullptr) g_setup.host->DuringLongWait(awaited);
   if (isatty(g_setup.input) == 0) return HungUp();
   if (g_input_begin != 0) {
     memmove(g_input, g_input + g_input_begin, g_input_end - g_input_begin);

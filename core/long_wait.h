@@ -37,8 +37,9 @@ class LongWait {
 /// The operator's way out of a wait that may not end; like the bus, filled at link time. Flushes
 /// the console, and when that is a terminal on which Ctrl-C has been typed, discards the input up
 /// to and including it and answers true. Input without a Ctrl-C is kept. Also true when the
-/// terminal has hung up, if the program outlives that. Never true when input comes from a pipe or a
-/// file. `awaited` is for consoles that tell the operator what the wait is for.
+/// terminal has hung up, if the program outlives that, and when the console has ended. Otherwise
+/// never true when input comes from a pipe or a file. `awaited` is for consoles that tell the
+/// operator what the wait is for.
 [[nodiscard]] bool WaitInterrupted(const Awaited& awaited);
 
 /// Loads `reg` until a bit of `field` is set, at least once, without a time limit. kOk, or

@@ -8,8 +8,8 @@
 
 #include "host/descriptor.h"
 #include "host/message.h"
-#include "machine/ports/capture_file.h"
 #include "machine/ports/port.h"
+#include "machine/ports/port_recorder.h"
 
 namespace board {
 
@@ -64,14 +64,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   try {
     (void)ReadAll(*Open(in.Path(), true));
     const auto port = Open(in.Path() + "," + out.Path());
-    board::CaptureFile capture(record.Path(), {"wan"});
+    board::PortRecorder recorder(record.Path(), {"wan"});
     port->Start();
-    capture.Start();
+    recorder.Start();
     frames = ReadAll(*port);
     for (const auto& frame : frames) {
       Check(frame.size() <= kLongestFrame);
       port->Send(frame);
-      capture.Record(0, board::Direction::kInbound, frame);
+      recorder.Record(0, board::Direction::kInbound, frame);
     }
     port->Flush();
     Check(!port->Pending());

@@ -16,6 +16,7 @@
 namespace monitor {
 
 int ConsoleReadChar() { return -1; }
+bool ConsoleEnded() { return false; }
 void ConsoleSend(const char* /*text*/, std::size_t /*count*/) {}
 void ConsoleFlush() {}
 void ConsoleWait(long /*microseconds*/) {}

@@ -18,7 +18,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   static chip::RouterChip chip;
   try {
     const auto options = board::ParseOptions(static_cast<int>(words.size()), pointers.data());
-    for (const std::string& fault : options.faults) board::SetFault(chip, fault);
+    for (const std::string& fault : options.machine.faults) board::SetFault(chip, fault);
   } catch (const board::UsageError&) {
     return 0;
   }

@@ -60,13 +60,15 @@ bool ServePackets(ShellWatch watch) {
   return served;
 }
 
-/// Reads characters and serves frames until a line is complete.
-void CollectLine(ShellWatch watch) {
+/// Reads characters and serves frames until a line is complete; false when the console has ended
+/// before that.
+bool CollectLine(ShellWatch watch) {
   IdleWait idle;
   for (;;) {
     const bool typed = LineEditorPoll();
+    if (!typed && ConsoleEnded()) return false;
     const bool served = ServePackets(watch);
-    if (LineReady != 0) return;
+    if (LineReady != 0) return true;
     // Waiting script input is taken at once and its output leaves in large pieces; an operator's
     // echo and the frames printed meanwhile go out although nothing makes the loop sleep.
     if (!typed) ConsoleFlush();
@@ -131,7 +133,7 @@ int RunShell(ShellWatch watch) {
   for (;;) {
     Tell(watch, ShellEvent::kEdit);
     ConsolePuts(kPrompt);
-    CollectLine(watch);
+    if (!CollectLine(watch)) return 0;
     Tell(watch, ShellEvent::kRun);
     const int result = RunLine();
     if (result == kExit) {

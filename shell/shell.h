@@ -17,9 +17,9 @@ enum class ShellEvent : std::uint8_t {
 /// Called for each of the shell's events.
 using ShellWatch = void (*)(ShellEvent event);
 
-/// The monitor: prints the banner, then reads and runs command lines until `exit`; always 0.
-/// Between characters it lets the packet service take received frames. Called once. The line
-/// `exit` has no result event.
+/// The monitor: prints the banner, then reads and runs command lines until `exit`, or until the
+/// console has ended, maybe in the middle of a line; always 0. Between characters it lets the
+/// packet service take received frames. Called once. The line `exit` has no result event.
 int RunShell(ShellWatch watch = nullptr);
 
 }  // namespace monitor

@@ -25,16 +25,16 @@ void Add(Roles& roles, const std::string& option, const std::string& path, bool 
 Roles RolesOf(const Options& options) {
   Roles roles;
   for (const monitor::PortId port : monitor::kMacPorts) {
-    const CaptureNames names = CapturesOf(options.network.ports[port]);
+    const CaptureNames names = CapturesOf(options.machine.network.ports[port]);
     Add(roles, PortOption(port), names.in, false);
     Add(roles, PortOption(port), names.out, true);
   }
-  Add(roles, "--capture", options.network.capture, true);
-  Add(roles, "--trace", options.trace_file.value_or(""), true);
-  Add(roles, "--uart", options.uart_file.value_or(""), true);
+  Add(roles, "--capture", options.machine.network.capture, true);
+  Add(roles, "--trace", options.machine.trace_file.value_or(""), true);
+  Add(roles, "--uart", options.machine.uart_file.value_or(""), true);
   for (const std::string& path : options.init_files) Add(roles, "--init", path, false);
-  Add(roles, "--load", options.load_file.value_or(""), false);
-  Add(roles, "--save", options.save_file.value_or(""), true);
+  Add(roles, "--load", options.machine.load_file.value_or(""), false);
+  Add(roles, "--save", options.machine.save_file.value_or(""), true);
   return roles;
 }
 

@@ -3,12 +3,16 @@
 #include <csignal>
 #include <cstdlib>
 #include <exception>
+#include <utility>
 
 #include "console/console_port.h"
 #include "console/posix_console.h"
+#include "host/end_signals.h"
 #include "host/message.h"
+#include "machine/machine.h"
 #include "shell/shell.h"
-#include "virtual_board/board.h"
+#include "virtual_board/console_session.h"
+#include "virtual_board/first_lines.h"
 #include "virtual_board/options.h"
 
 namespace {
@@ -33,10 +37,15 @@ int Answer(const std::string& text) {
 }
 
 int Run(const board::Options& options) {
-  // Static, because the program may also end by a call of exit inside the monitor.
-  static board::Board the_board(options);
-  monitor::RunShell([](monitor::ShellEvent event) { the_board.Note(event); });
-  return the_board.Finish();
+  std::vector<std::string> first_lines = board::FirstLines(options);
+  // Static, because a console that cannot be written ends the program by a call of exit.
+  static board::Machine machine(options.machine);
+  static board::ConsoleSession session(options, std::move(first_lines), machine);
+  machine.Start();
+  session.Open();
+  board::CatchEndSignals();
+  monitor::RunShell([](monitor::ShellEvent event) { session.Note(event); });
+  return session.Finish();
 }
 
 }  // namespace

@@ -65,40 +65,42 @@ void Describe(CLI::App& app, Options& options) {
       ->type_name("LINK")
       ->check(CheckName, "");
   app.add_flag("--stay", options.stay, "Continue with the console after the lines of -c");
-  app.add_option("--trace", options.trace_file, "Write every bus access to FILE")
+  app.add_option("--trace", options.machine.trace_file, "Write every bus access to FILE")
       ->type_name("FILE")
       ->check(CheckFile, "");
-  app.add_option("--fault", options.faults, "Make an engine fail; may be repeated")
+  app.add_option("--fault", options.machine.faults, "Make an engine fail; may be repeated")
       ->type_name("SPEC")
       ->check(CheckArgument, "")
       ->allow_extra_args(false);
   for (const monitor::PortId port : monitor::kMacPorts) {
-    app.add_option(PortOption(port), options.network.ports[port],
+    app.add_option(PortOption(port), options.machine.network.ports[port],
                    "Connect the port: tap:NAME, pcap:[IN][,OUT], unix:PATH or none")
         ->type_name("X")
         ->check(CheckPort, "");
   }
-  app.add_flag("--realtime", options.network.options.realtime,
+  app.add_flag("--realtime", options.machine.network.options.realtime,
                "Replay captures with their own timing, not as fast as frames are taken");
-  app.add_option("--capture", options.network.capture, "Record all ports in FILE (pcapng)")
+  app.add_option("--capture", options.machine.network.capture, "Record all ports in FILE (pcapng)")
       ->type_name("FILE")
       ->check(CheckFile, "");
-  app.add_option("--uart", options.uart_file, "Write what the UART sends to FILE")
+  app.add_option("--uart", options.machine.uart_file, "Write what the UART sends to FILE")
       ->type_name("FILE")
       ->check(CheckFile, "");
   app.add_option_function<std::string>(
          kGpioIn,
-         [&options](const std::string& text) { options.gpio_inputs = ParseHexByte(kGpioIn, text); },
+         [&options](const std::string& text) {
+           options.machine.gpio_inputs = ParseHexByte(kGpioIn, text);
+         },
          "Levels of the general-purpose pins, 0 to ff")
       ->type_name("HEX")
       ->check(CheckArgument, "");
   app.add_flag(std::string(kRegisters) + "{text}", options.registers,
                "Print the register map and exit: --registers, --registers=svd (CMSIS-SVD) or "
                "--registers=json");
-  app.add_option("--load", options.load_file, "Start with the state in FILE")
+  app.add_option("--load", options.machine.load_file, "Start with the state in FILE")
       ->type_name("FILE")
       ->check(CheckName, "");
-  app.add_option("--save", options.save_file, "Leave the state in FILE at the end")
+  app.add_option("--save", options.machine.save_file, "Leave the state in FILE at the end")
       ->type_name("FILE")
       ->check(CheckName, "");
   app.add_flag("--keep-delete", options.keep_delete, "Do not turn Delete into backspace");

@@ -2,9 +2,10 @@
 
 #include <sys/epoll.h>
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstring>
-#include <utility>
 
 #include "mac/port_config.h"
 #include "mac/port_config_registers.h"
@@ -32,13 +33,9 @@ std::vector<std::string> InterfaceNames() {
           monitor::NameOf(PortId::kDmz)};
 }
 
-/// Most frames that one port brings in one poll, so that none starves the others.
-constexpr unsigned kFramesPerPoll = 64;
-
-/// Looks at the interrupt status between polls while received frames wait for the CPU. The packet
-/// service looks twice for each frame, so a port brings no more frames than were handled, and none
-/// has to be dropped only because it was fetched early.
-constexpr unsigned kLooksBetweenPolls = 2 * kFramesPerPoll;
+/// Looks of the CPU between draws while received frames wait for it. The packet service looks twice
+/// for each frame, so a capture brings no more frames than were handled.
+constexpr unsigned kLooksBetweenDraws = 2 * Network::kFramesPerPoll;
 
 /// Buffers that captures leave free for ports that cannot wait.
 constexpr std::size_t kBuffersLeftFree = 64;
@@ -48,7 +45,7 @@ constexpr std::size_t kBuffersLeftFree = 64;
 Network::Network(chip::RouterChip& chip, const NetworkSetup& setup)
     : chip_(chip), watch_(epoll_create1(EPOLL_CLOEXEC)) {
   if (!watch_.Open()) throw PortError(std::string("cannot watch ports: ") + std::strerror(errno));
-  if (!setup.capture.empty()) capture_.emplace(setup.capture, InterfaceNames());
+  if (!setup.capture.empty()) recorder_.emplace(setup.capture, InterfaceNames());
   for (const PortId port : monitor::kMacPorts) {
     ports_[port] = OpenPort(setup.ports[port], setup.options);
     if (!ports_[port]) continue;
@@ -58,28 +55,34 @@ Network::Network(chip::RouterChip& chip, const NetworkSetup& setup)
   chip_.frames.on_transmit = [this](PortId port, std::span<const std::uint8_t> frame) {
     Send(port, frame);
   };
-  chip_.interrupts.before_status = [this] { PollWhenDue(); };
+  chip_.interrupts.before_status = [this] { DrawCaptures(); };
 }
 
 void Network::Start() {
-  if (capture_) capture_->Start();
+  if (recorder_) recorder_->Start();
   for (const auto& port : ports_) {
     if (port) port->Start();
   }
 }
 
-void Network::PollWhenDue() {
+void Network::DrawCaptures() {
   // While the monitor works off what has come, looking for more can wait a little.
-  if (chip_.frames.cpu.Waiting() && ++looks_ < kLooksBetweenPolls) return;
+  if (chip_.frames.cpu.Waiting() && ++looks_ < kLooksBetweenDraws) return;
   looks_ = 0;
-  // Captures without timing have no descriptor that would have ended the wait.
-  if (std::exchange(waited_, false) && !Pending()) return;
-  Poll();
+  for (const PortId port : monitor::kMacPorts) {
+    if (ports_[port] && ports_[port]->Waits()) Take(port);
+  }
 }
 
 void Network::Poll() {
+  const auto is_watched = [](int fd) { return fd >= 0; };
+  if (std::none_of(watched_.begin(), watched_.end(), is_watched)) return;
+  std::array<epoll_event, monitor::kMacPorts.size() + 1> events;
+  const int count = epoll_wait(watch_.Get(), events.data(), static_cast<int>(events.size()), 0);
+  unsigned ready = 0;
+  for (int i = 0; i < count; ++i) ready |= 1U << events[static_cast<std::size_t>(i)].data.u32;
   for (const PortId port : monitor::kMacPorts) {
-    if (!ports_[port]) continue;
+    if ((ready >> monitor::IndexOf(port) & 1U) == 0) continue;
     Take(port);
     UpdateLink(port);
   }
@@ -94,13 +97,13 @@ void Network::Take(PortId port) {
     }
     const std::optional<Frame> frame = ports_[port]->Receive();
     if (!frame) return;
-    if (capture_) capture_->Record(monitor::IndexOf(port), Direction::kInbound, *frame);
+    if (recorder_) recorder_->Record(monitor::IndexOf(port), Direction::kInbound, *frame);
     chip_.frames.Receive(port, *frame);
   }
 }
 
 void Network::Send(PortId port, std::span<const std::uint8_t> frame) {
-  if (capture_) capture_->Record(monitor::IndexOf(port), Direction::kOutbound, frame);
+  if (recorder_) recorder_->Record(monitor::IndexOf(port), Direction::kOutbound, frame);
   if (!ports_[port]) return;
   ports_[port]->Send(frame);
   // What was closed leaves the set before its number comes to mean something else.
@@ -120,9 +123,13 @@ void Network::UpdateLink(PortId port) {
   // One that was closed has left the set by itself.
   if (watched_[port] >= 0) epoll_ctl(watch_.Get(), EPOLL_CTL_DEL, watched_[port], nullptr);
   watched_[port] = fd;
-  if (fd < 0) return;
+  if (fd >= 0) Watch(fd, monitor::IndexOf(port));
+}
+
+void Network::Watch(int fd, unsigned number) {
   epoll_event event{};
   event.events = EPOLLIN;
+  event.data.u32 = number;
   epoll_ctl(watch_.Get(), EPOLL_CTL_ADD, fd, &event);
 }
 
@@ -135,7 +142,7 @@ bool Network::Pending() const {
 }
 
 bool Network::Failed() const {
-  if (capture_ && capture_->Failed()) return true;
+  if (recorder_ && recorder_->Failed()) return true;
   for (const auto& port : ports_) {
     if (port && port->Failed()) return true;
   }

@@ -91,13 +91,21 @@ class Shown(BoardTest):
 
 class Options(BoardTest):
     def test_every_option(self):
+        """With its argument, and whether it may be repeated."""
         text = support.run([BOARD, "--help"]).stdout.decode()
-        rows = re.findall(r"^  (-.*?)(?:  |$)", text, re.MULTILINE)
-        known = {name for row in rows for name in re.findall(r"(?<![-\w])--?[a-z][-\w]*", row)}
+        rows = re.findall(r"^  (-[-\w,]+)(| [A-Z]+|\[=[A-Z]+\])( \.\.\.|)(?:  |$)", text,
+                          re.MULTILINE)
+        known = sorted((name, argument, repeated != "")
+                       for names, argument, repeated in rows for name in names.split(","))
+        self.assertIn(("--fault", " SPEC", True), known)
         page = read(BOARD_PAGE)
-        heads = re.findall(r"^\.It (Fl .*)$", page, re.MULTILINE)
-        described = {"-" + name for head in heads for name in re.findall(r"Fl ([-\w]+)", head)}
-        self.assertEqual(described, known)
+        items = re.findall(r"^\.It (Fl .*)\n((?:(?!\.It |\.El).*\n)*)", page, re.MULTILINE)
+        described = [(head.replace(" Ns Op = Ns Ar FORMAT", "[=FORMAT]").replace(" Ar", ""),
+                      "\nMay be repeated.\n" in "\n" + body)
+                     for heads, body in items for head in heads.split(" , ")]
+        described = sorted((*re.fullmatch(r"Fl ([-\w]+)(.*)", head).groups(), repeated)
+                           for head, repeated in described)
+        self.assertEqual([("-" + name, *rest) for name, *rest in described], known)
         for engine in re.search(r"Engines: (.*)", text)[1].split(", "):
             self.assertTrue(re.search(rf"\b{engine}\b", page), engine)
 

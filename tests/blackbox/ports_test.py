@@ -4,11 +4,13 @@ import contextlib
 import os
 import re
 import resource
+import shutil
 import socket
 import struct
 import subprocess
 import threading
 import time
+import unittest
 
 import board
 import frames
@@ -267,6 +269,49 @@ class Flood:
         with contextlib.suppress(OSError):
             self.peer.shutdown(socket.SHUT_RDWR)
         self.thread.join(support.DEADLINE)
+
+
+class Pump(SocketTest):
+    """When frames come in besides the waits for input."""
+
+    def test_a_script_sees_what_came_before_its_line(self):
+        capture = self.path("in")
+        frames.write_pcap(capture, [frames.frame(60, number=number) for number in range(3)])
+        options = ["--lan", "pcap:" + capture, "--realtime"]
+        done = support.run([BOARD, *options, "--plain"], b"sc lan sc_totalfrmrecv\n")
+        self.assertEqual((done.returncode, done.stderr), (0, b""))
+        self.assertEqual(done.stdout, b"SC_TOTALFRMRECV      :        3\n")
+
+    def test_a_frame_comes_in_during_a_hung_wait(self):
+        self.start("--lan", "unix:" + self.lan, "--capture", self.path("record"),
+                   "--fault", "hang:l3")
+        self.type(b"l3 5\n")
+        self.assertIn(b"'l3 5' waits for bit 0", self.board.stderr.readline())
+        octets = frames.frame(60)
+        self.connect(self.lan).send(octets)
+        record = [("lan", "in", octets)]
+        self.wait_for(lambda: os.path.getsize(self.path("record")) > 200)
+        self.assertEqual(frames.read_pcapng(self.path("record")), record)
+
+    @unittest.skipIf(shutil.which("strace") is None, "there is no strace (package strace)")
+    def test_looks_at_ports_between_characters_are_few(self):
+        """One for 64 characters of a script, and one before its line."""
+        calls = self.path("calls")
+        strace = ["strace", "-o", calls, "-e", "trace=epoll_wait,recvfrom,accept4"]
+        done = support.run([*strace, BOARD, "--lan", "unix:" + self.lan], 6400 * b"q" + b"\n")
+        self.assertEqual(done.returncode, 0, done.stderr)
+        with open(calls, encoding="ascii") as file:
+            looks = [line for line in file if "(" in line]
+        self.assertIn(len(looks), range(100, 106), looks)
+
+    @unittest.skipIf(shutil.which("strace") is None, "there is no strace (package strace)")
+    def test_without_ports_there_are_none(self):
+        calls = self.path("calls")
+        done = support.run(["strace", "-o", calls, "-e", "trace=epoll_wait", BOARD],
+                           640 * b"q" + b"\n")
+        self.assertEqual(done.returncode, 0, done.stderr)
+        with open(calls, encoding="ascii") as file:
+            self.assertNotIn("epoll_wait", file.read())
 
 
 class Load(SocketTest):

@@ -90,6 +90,7 @@ void IrqUnlock(IrqState saved) {
 }
 
 int ConsoleReadChar() { return -1; }
+bool ConsoleEnded() { return false; }
 void ConsoleSend(const char* /*text*/, std::size_t /*count*/) {}
 void ConsoleFlush() { OnEvent(Kind::kFlush); }
 void ConsoleWait(long /*microseconds*/) { std::abort(); }  // No driver operation sleeps.

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "mac/packet_service.h"
+#include "shell/line_editor.h"
 #include "support/keys.h"
 #include "support/scripted_bus.h"
 #include "support/scripted_console.h"
@@ -50,6 +51,12 @@ class Shell : public testing::Test {
     const ScriptedBus bus(transcript);
     EXPECT_EQ(RunShell(), 0);
     return TakeOutput();
+  }
+
+  /// Leaves nothing of an unfinished line to the next test.
+  static void ForgetLine() {
+    Type(Times(10, kBackspace));
+    while (LineEditorPoll()) continue;
   }
 
   /// The screen when each line has been answered so (its echo included).
@@ -305,6 +312,39 @@ TEST_F(Shell, ACommandsAnswerIsOutBeforeTheNextLineIsRead) {
 TEST_F(Shell, NeverSleepsWhileCharactersWait) {
   (void)Screen({"xyz", "", "help version"});
   EXPECT_EQ(TakeSleeps(), std::vector<long>{});
+}
+
+TEST_F(Shell, ReturnsWhenTheConsoleHasEnded) {
+  for (const char* const rest : {"", "\x1b", "\x1b["}) {
+    Type("help version" + kEnter + rest);
+    EndInput();
+    const ScriptedBus bus("");
+    EXPECT_EQ(RunShell(), 0);
+    EXPECT_EQ(TakeOutput(), kBanner + kPrompt +
+                                "help version\r\n"
+                                "  version                                      \n\r" +
+                                kPrompt);
+    EXPECT_EQ(UnreadKeys(), 0U);
+    ClearConsole();
+  }
+}
+
+TEST_F(Shell, DoesNotRunALineInWhoseMiddleTheConsoleEnds) {
+  Type("reg 10");
+  EndInput();
+  const ScriptedBus bus("");
+  EXPECT_EQ(RunShell(), 0);
+  EXPECT_EQ(TakeOutput(), kBanner + kPrompt + "reg 10");
+  ForgetLine();
+}
+
+TEST_F(Shell, ServesNoFrameAfterTheConsoleHasEnded) {
+  ReceiveMode = 1;
+  Type("x");
+  EndInput();
+  const ScriptedBus bus(kNoFrame);
+  EXPECT_EQ(RunShell(), 0);
+  ForgetLine();
 }
 
 std::vector<ShellEvent> g_events;

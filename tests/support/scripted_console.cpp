@@ -19,6 +19,7 @@ std::string g_output;
 std::size_t g_unflushed = 0;
 std::vector<long> g_sleeps;
 unsigned g_idle_sleeps = 0;  ///< With nothing left to type.
+bool g_ended = false;        ///< Once everything is read.
 bool g_ctrl_c = false;
 unsigned g_looks = 0;
 monitor::Awaited g_awaited;
@@ -32,6 +33,8 @@ void Type(const std::string& keys) {
 
 void TypeNothing(unsigned reads) { g_input.insert(g_input.end(), reads, kNothing); }
 
+void EndInput() { g_ended = true; }
+
 std::size_t UnreadKeys() {
   std::size_t keys = 0;
   for (const int item : g_input) keys += item != kNothing ? 1 : 0;
@@ -44,6 +47,7 @@ void ClearConsole() {
   g_output.clear();
   g_unflushed = 0;
   g_sleeps.clear();
+  g_ended = false;
   g_ctrl_c = false;
   g_looks = 0;
 }
@@ -70,6 +74,8 @@ int ConsoleReadChar() {
   g_input.pop_front();
   return item;
 }
+
+bool ConsoleEnded() { return g_ended && g_input.empty(); }
 
 void ConsoleSend(const char* text, std::size_t count) {
   g_output.append(text, count);

@@ -13,11 +13,14 @@ void Type(const std::string& keys);
 /// As many reads will find no character before they find what is typed next.
 void TypeNothing(unsigned reads);
 
+/// Nothing is typed any more: the console ends when what is typed has been read.
+void EndInput();
+
 /// Characters that are typed and not read.
 [[nodiscard]] std::size_t UnreadKeys();
 
 /// Forgets what is typed and not read, all that was printed, and all that was counted; lifts the
-/// Ctrl-C. The next line printed begins after a line end.
+/// Ctrl-C and the end of the input. The next line printed begins after a line end.
 void ClearConsole();
 
 /// Everything printed since the last call.

@@ -142,6 +142,7 @@ int ConsoleReadChar() {
     g_session->Fail(error);
   }
 }
+bool ConsoleEnded() { return false; }
 void ConsoleSend(const char* text, std::size_t count) { g_session->Print(text, count); }
 void ConsoleFlush() {}
 void ConsoleWait(long /*microseconds*/) {}

@@ -1,4 +1,4 @@
-#include "machine/ports/capture_file.h"
+#include "machine/ports/port_recorder.h"
 
 #include <chrono>
 
@@ -82,11 +82,11 @@ Bytes Header(const std::vector<std::string>& interfaces) {
 
 }  // namespace
 
-CaptureFile::CaptureFile(const std::string& path, const std::vector<std::string>& interfaces)
+PortRecorder::PortRecorder(const std::string& path, const std::vector<std::string>& interfaces)
     : file_(path, "the capture", Header(interfaces)) {}
 
-void CaptureFile::Record(unsigned interface, Direction direction,
-                         std::span<const std::uint8_t> frame) {
+void PortRecorder::Record(unsigned interface, Direction direction,
+                          std::span<const std::uint8_t> frame) {
   const std::uint64_t now = WallClockNanoseconds();
   const auto length = static_cast<std::uint32_t>(frame.size());
   Bytes packet;

@@ -12,10 +12,10 @@ namespace board {
 
 enum class Direction : std::uint32_t { kInbound = 1, kOutbound = 2 };
 
-class CaptureFile {
+class PortRecorder {
  public:
   /// One interface for each name, in order. Throws std::system_error.
-  CaptureFile(const std::string& path, const std::vector<std::string>& interfaces);
+  PortRecorder(const std::string& path, const std::vector<std::string>& interfaces);
 
   /// Replaces the content of the file. Throws std::system_error.
   void Start() { file_.Start(); }
