@@ -2,8 +2,10 @@
 #pragma once
 
 #include <functional>
+#include <string>
 #include <vector>
 
+#include "chip/block.h"
 #include "chip/classifier/classifier.h"
 #include "chip/clock.h"
 #include "chip/mac/frame_engine.h"
@@ -39,17 +41,12 @@ class RouterChip {
   /// throws, part of the state has been replaced.
   void State(StateArchive& archive);
 
-  /// Every engine, for faults.
-  [[nodiscard]] std::vector<Engine*> Engines();
-
-  /// The engine of that name ("l3"); null when there is none.
-  [[nodiscard]] Engine* FindEngine(const std::string& name);
-
-  /// What can be made to fail: every engine, "reset" and "mii".
+  /// What can be made to fail, all of it.
+  [[nodiscard]] std::vector<FaultPoint*> FaultPoints();
   [[nodiscard]] std::vector<std::string> FaultNames();
 
-  /// Makes one of the FaultNames fail; false when nothing has that name.
-  [[nodiscard]] bool SetFault(const std::string& name, Fault fault);
+  /// Makes the fault point of that name fail; false when there is none.
+  [[nodiscard]] bool SetFault(const std::string& name, const Fault& fault);
 
   /// The clock of the timers. Time stands still until it is replaced.
   Clock clock = [] { return std::uint64_t{0}; };
@@ -78,6 +75,12 @@ class RouterChip {
   PppoeSessionTable pst{registers};
   PdrTable pdr{registers};
   PxtTable pxt{registers};
+
+  /// Every block that is more than plain storage, in the order of saved states. All that the chip
+  /// does with blocks follows from this list.
+  std::vector<Block*> blocks{&reset,         &timers,     &gpio, &uart, &mii,
+                             &stat_counters, &frames,     &nat,  &l3,   &mcast,
+                             &arp,           &classifier, &pst,  &pdr,  &pxt};
 };
 
 /// The chip that the monitor's register and memory socket reaches. There must be one before the

@@ -4,12 +4,13 @@
 
 #include <array>
 
+#include "chip/block.h"
 #include "chip/clock.h"
 #include "chip/register_file.h"
 
 namespace chip {
 
-class Timers {
+class Timers : public Block {
  public:
   /// Length of a count with divisor 1; a divisor of 0 counts as 1.
   static constexpr std::uint64_t kNanosecondsPerCount = 1000;
@@ -19,10 +20,11 @@ class Timers {
   Timers(const Timers&) = delete;
   Timers& operator=(const Timers&) = delete;
 
-  void Reset();
+  [[nodiscard]] const char* Name() const override { return "timers"; }
+  void Reset() override;
 
   /// Timers are saved at their present count, and continue from it when they are restored.
-  void State(StateArchive& archive);
+  void State(StateArchive& archive) override;
 
  private:
   /// A timer's settings, in force since `since`, and its count then.
