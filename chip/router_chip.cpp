@@ -1,5 +1,7 @@
 #include "chip/router_chip.h"
 
+#include <algorithm>
+
 #include "chip/mac/forward_control.h"
 #include "chip/mac/port_config.h"
 #include "chip/mac/station_address.h"
@@ -57,6 +59,35 @@ bool RouterChip::SetFault(const std::string& name, const Fault& fault) {
     return true;
   }
   return false;
+}
+
+void RouterChip::Advance(std::uint64_t now) {
+  for (Block* block = NextToAct(); block != nullptr; block = NextToAct()) {
+    const std::uint64_t deadline = *block->NextDeadline();
+    if (deadline > now) break;
+    reached_ = std::max(reached_, deadline);
+    block->Act(reached_);
+  }
+  reached_ = std::max(reached_, now);
+}
+
+std::optional<std::uint64_t> RouterChip::NextDeadline() const {
+  const Block* const block = NextToAct();
+  return block != nullptr ? block->NextDeadline() : std::nullopt;
+}
+
+std::uint64_t RouterChip::Now() const { return clock ? std::max(clock(), reached_) : reached_; }
+
+Block* RouterChip::NextToAct() const {
+  Block* next = nullptr;
+  std::uint64_t earliest = 0;
+  for (Block* block : blocks) {
+    const std::optional<std::uint64_t> deadline = block->NextDeadline();
+    if (!deadline || (next != nullptr && *deadline >= earliest)) continue;
+    next = block;
+    earliest = *deadline;
+  }
+  return next;
 }
 
 }  // namespace chip

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -48,8 +49,23 @@ class RouterChip {
   /// Makes the fault point of that name fail; false when there is none.
   [[nodiscard]] bool SetFault(const std::string& name, const Fault& fault);
 
-  /// The clock of the timers. Time stands still until it is replaced.
-  Clock clock = [] { return std::uint64_t{0}; };
+  // The chip's time, in nanoseconds since any fixed moment. It moves in Advance; resets and states
+  // leave it alone.
+
+  /// Brings the chip to `now`: blocks do what is due until then, that moment included, in the order
+  /// of their deadlines and each at its own; those of one moment in the order of `blocks`. A time
+  /// that is over is taken for the present.
+  void Advance(std::uint64_t now);
+
+  /// When a block will next do something by itself; nothing when none will.
+  [[nodiscard]] std::optional<std::uint64_t> NextDeadline() const;
+
+  /// The present time: `clock`'s where there is one, but never before what Advance has reached.
+  [[nodiscard]] std::uint64_t Now() const;
+
+  /// A clock that runs between two calls of Advance, for loads that show the time, as of a timer's
+  /// counter. They see it, but nothing falls due by it. Empty: time stands still in between.
+  Clock clock;
 
   // What the monitor does on its bus besides loads and stores; empty without an observer.
   std::function<void(std::uint16_t base)> on_map;  ///< Makes the buffer memory reachable there.
@@ -59,7 +75,7 @@ class RouterChip {
   ResetControl reset{
       registers,
       {.whole_chip = [this] { Reset(); }, .chip_selects = [this] { chip_selects.Reset(); }}};
-  Timers timers{registers, clock};
+  Timers timers{registers, [this] { return Now(); }};
   ChipSelects chip_selects{registers};
   Gpio gpio{registers};
   Uart uart{registers};
@@ -81,6 +97,12 @@ class RouterChip {
   std::vector<Block*> blocks{&reset,         &timers,     &gpio, &uart, &mii,
                              &stat_counters, &frames,     &nat,  &l3,   &mcast,
                              &arp,           &classifier, &pst,  &pdr,  &pxt};
+
+ private:
+  /// The block whose deadline is next; null when none has one.
+  [[nodiscard]] Block* NextToAct() const;
+
+  std::uint64_t reached_ = 0;  ///< By Advance.
 };
 
 /// The chip that the monitor's register and memory socket reaches. There must be one before the

@@ -15,8 +15,7 @@ class Timers : public Block {
   /// Length of a count with divisor 1; a divisor of 0 counts as 1.
   static constexpr std::uint64_t kNanosecondsPerCount = 1000;
 
-  /// `clock` must outlive the timers.
-  Timers(RegisterFile& registers, const Clock& clock);
+  Timers(RegisterFile& registers, Clock clock);
   Timers(const Timers&) = delete;
   Timers& operator=(const Timers&) = delete;
 
@@ -45,7 +44,7 @@ class Timers : public Block {
   static void Count(Timer& timer, std::uint64_t counts);
 
   RegisterFile& registers_;
-  const Clock& clock_;
+  Clock clock_;
   std::array<Timer, 2> timers_;
 };
 
