@@ -7,7 +7,7 @@
 
 namespace chip {
 
-/// What of the window has been stored, or is to be applied.
+/// Parts of the window: those that have been stored, or are to be applied.
 struct WindowParts {
   bool entry = false;
   bool counter = false;
@@ -25,7 +25,7 @@ class EntryTable {
 
   [[nodiscard]] const std::array<Entry, kSlots>& Entries() const { return entries_; }
 
-  /// Another number whenever an entry has changed, but for what Mark gives away.
+  /// A number that changes whenever an entry does, except by way of Mark.
   [[nodiscard]] std::uint64_t Generation() const { return generation_; }
 
   /// An entry that is going to be changed.
@@ -62,7 +62,7 @@ class EntryTable {
                 [&](auto reg, const auto&... values) { LoadRegister(registers, reg, values...); });
   }
 
-  /// Makes an entry what the window holds, as far as it is to be applied.
+  /// Sets `parts` of an entry to what the window holds.
   void Apply(RegisterFile& registers, unsigned index, const WindowParts& parts) {
     if (parts.entry) ++generation_;
     Entry::List(entries_[index], [&](auto reg, const auto& first, const auto&... others) {

@@ -1,6 +1,6 @@
-// What the registers of a table's window hold of an entry. A table lists it once, register by
-// register, each value with its bits and with how a state notes it: claiming the registers, steps
-// of the engine and states follow from that listing.
+// How an entry maps to the registers of its table's window. A table lists this once, register by
+// register, each value with its bits and its notation in a state: claiming the registers, steps of
+// the engine and states follow from that listing.
 #pragma once
 
 #include <array>
@@ -9,7 +9,7 @@
 
 namespace chip {
 
-/// How a state notes a value of an entry.
+/// The notation of an entry's value in a state.
 enum class Noted : std::uint8_t {
   kAddress,  ///< "192.168.1.1"
   kMac,      ///< "02:00:00:00:00:01"

@@ -1,5 +1,5 @@
-// A table behind an index, a window and an engine: what all of them have in common. The facts of
-// each are in a structure of its own, see tables/l3_route.h.
+// What the tables have in common that are reached through an index, a window and an engine. The
+// facts of each are in a structure of its own, see tables/l3_route.h.
 #pragma once
 
 #include <utility>
@@ -16,7 +16,7 @@ struct SeparateIndex {
   static constexpr EngineBits kEngineBits = kTableEngineBits;
   static constexpr monitor::RegBytes<0> kMap{};  ///< None.
 
-  /// What a write applies of what has been stored since the last start.
+  /// The parts that a write applies, of those stored since the last start.
   static WindowParts Applied(std::uint8_t /*command*/, const WindowParts& stored) { return stored; }
 };
 
@@ -88,7 +88,7 @@ class IndexedTable : public EntryTable<typename Facts::Entry,
  private:
   static constexpr bool kMapped = std::tuple_size_v<Map> != 0;
 
-  /// A hook that notes that a part has been stored; none where that makes no difference.
+  /// A hook that notes that a part has been stored; none where a write applies every part.
   std::function<void(std::uint32_t)> Note(bool WindowParts::*part) {
     if constexpr (Facts::kSharesRegister) return nullptr;
     return [this, part](std::uint32_t /*stored*/) { stored_.*part = true; };

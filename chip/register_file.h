@@ -16,7 +16,7 @@
 
 namespace chip {
 
-/// How a state notes what a register holds.
+/// The notation of a register's value in a state.
 enum class Notation : std::uint8_t {
   kHex,
   kAddress,  ///< An IP address.
@@ -120,8 +120,8 @@ class RegisterFile {
   /// that.
   void Watch(std::function<void(const Access&)> observer);
 
-  /// Called when a complaint is raised for the first time, but for accesses to bytes without a
-  /// register.
+  /// Called when a complaint is raised for the first time, except for accesses to bytes
+  /// without a register.
   std::function<void(const std::string&)> on_complaint;
   /// Called when a byte without a register is accessed for the first time.
   std::function<void(std::uint32_t offset)> on_unmapped;
@@ -186,7 +186,7 @@ class RegisterFile {
   static void Refresh(const Row& row) {
     if (row.behaviour.before_load) row.behaviour.before_load();
   }
-  /// Complains about an access that is not proper; false when it leaves the window.
+  /// Complains about an improper access; false when it leaves the window.
   bool ComplainOfAddress(std::uint32_t offset, unsigned width);
   /// The register that the access covers exactly, as most do; null otherwise.
   [[nodiscard]] const Row* WholeRow(std::uint32_t offset, unsigned width) const;
@@ -201,7 +201,7 @@ class RegisterFile {
   void ComplainOfUnmapped(std::uint32_t offset);
   /// The row that begins there; null when there is none.
   [[nodiscard]] const Row* RowFrom(std::uint32_t offset) const;
-  /// What the trace calls the register; `position` counts those of one name in a row.
+  /// What the trace calls the register; `position` counts successive ones of that name.
   [[nodiscard]] std::string UniqueName(const Row& row, unsigned position) const;
   void RowState(StateArchive& archive, const Row& row, const std::string& name);
   void MacState(StateArchive& archive, const Row& first);

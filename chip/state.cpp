@@ -96,7 +96,7 @@ void StateArchive::Choice(const std::string& name, std::uint8_t& value,
   std::string text = words[value];
   Text(name, text);
   const auto word = std::find(words.begin(), words.end(), text);
-  Require(word != words.end(), name, "is none of the words for it");
+  Require(word != words.end(), name, "is not one of its possible values");
   value = static_cast<std::uint8_t>(word - words.begin());
 }
 

@@ -14,8 +14,8 @@
 
 namespace chip {
 
-/// Whoever goes through the state: it notes each value, or replaces each by what was noted.
-/// Replacing throws when nothing fits.
+/// A visitor of the state: it notes each value, or replaces each by what was noted. Replacing
+/// throws for anything unexpected.
 class StateArchive {
  public:
   virtual ~StateArchive() = default;
@@ -55,7 +55,7 @@ class StateArchive {
     Convert(value, [&](std::uint64_t& wide) { HexNumber(name, wide, bits, 2 * sizeof(T)); });
   }
 
-  /// The same for bits that are mostly 0, and are left out then.
+  /// The same for bits that are mostly 0; left out when they are.
   template <std::unsigned_integral T>
   void HexUnless0(const std::string& name, T& value, T bits) {
     if (Omits(name, value == 0)) {

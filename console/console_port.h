@@ -7,7 +7,7 @@
 namespace monitor {
 
 /// The next input character (0 to 255), or -1 when none is waiting. Does not wait for one, but for
-/// half a second behind a Ctrl-C that WaitInterrupted has found.
+/// half a second after a Ctrl-C that WaitInterrupted has found.
 [[nodiscard]] int ConsoleReadChar();
 
 /// Queues `count` characters for output. Nothing is lost: a full queue is flushed first.

@@ -119,13 +119,13 @@ void BetweenSteps() {
   if (g_setup.between_steps != nullptr) g_setup.between_steps();
 }
 
-/// True when the input is a terminal that has hung up, from which nobody can ever type again. The
+/// True when the input is a terminal that has hung up, from which nothing can ever come again. The
 /// kernel signals that on a controlling terminal only, so the program is ended by the same signal
 /// on any other; this returns if it is ignored.
 bool HungUp() {
   if (isatty(g_setup.input) != 0 || errno != EIO) return false;
   raise(SIGHUP);
-  // The program may have put its end off until now.
+  // The program may have put off its end until now.
   BetweenSteps();
   return true;
 }
@@ -168,7 +168,7 @@ void EndFlood() {
   if (g_flood == Flood::kBetweenLines) g_flood = Flood::kNone;
 }
 
-/// The reader of the output stands in the way of the program's end and gets nothing any more.
+/// The reader of the output holds up the program's end and gets nothing more.
 bool g_output_abandoned = false;
 
 bool AbandonOutput() {
@@ -179,9 +179,10 @@ bool AbandonOutput() {
 /// A message that does not go through the console, which may be what failed.
 void Complain(const char* reason) {
   const auto tell = [](const char* text) {
-    while (write(STDERR_FILENO, text, strlen(text)) < 0 && errno == EINTR && !AbandonOutput()) {
-      continue;
-    }
+    ssize_t done;
+    do {
+      done = write(STDERR_FILENO, text, strlen(text));
+    } while (done < 0 && errno == EINTR && !AbandonOutput());
   };
   tell(g_setup.program);
   tell(": cannot write console output: ");
@@ -315,7 +316,7 @@ bool WaitInterrupted(const Awaited& awaited) {
     g_key_first = true;
     return true;
   }
-  // What is too much is given up, so that a Ctrl-C after any amount of input is found, and soon.
+  // What is too much is discarded, so that a Ctrl-C after any amount of input is found, and soon.
   if (g_flood != Flood::kNone) {
     DiscardAfter(before);
   } else if (g_input_end > kTypedAhead) {

@@ -25,7 +25,7 @@ struct EngineStep {
   PulseEnd end = {};
 };
 
-/// Bits of the command byte that a step sets or clears beside those of the handshake.
+/// Bits of the command byte that a step sets or clears besides those of the handshake.
 struct OtherBits {
   std::uint8_t set = 0;
   std::uint8_t clear = 0;

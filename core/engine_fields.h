@@ -1,5 +1,5 @@
-// Where the handshake's bits lie in the command register of an engine: told once, for the driver's
-// steps, the model and the exported map.
+// Where the handshake's bits lie in the command register of an engine, for the driver's steps, the
+// model and the exported map.
 #pragma once
 
 #include <optional>

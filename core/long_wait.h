@@ -38,7 +38,7 @@ class LongWait {
 /// the console, and when that is a terminal on which Ctrl-C has been typed, discards the input up
 /// to and including it and answers true. Input without a Ctrl-C is kept. Also true when the
 /// terminal has hung up, if the program outlives that. Never true when input comes from a pipe or a
-/// file. `awaited` is for those who tell the operator about the wait.
+/// file. `awaited` is for consoles that tell the operator what the wait is for.
 [[nodiscard]] bool WaitInterrupted(const Awaited& awaited);
 
 /// Loads `reg` until a bit of `field` is set, at least once, without a time limit. kOk, or

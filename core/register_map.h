@@ -54,7 +54,7 @@ struct ValueType {
       : ValueType(ValueKind::kEnumeration, list) {}
 };
 
-/// A field and what its values stand for. A field of one bit is a flag unless told otherwise.
+/// A field and what its values stand for. A field of one bit is a flag unless stated otherwise.
 struct FieldRow : Field {
   ValueType type;
 

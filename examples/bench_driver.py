@@ -20,7 +20,7 @@ FAILED = re.compile("failed!?$", re.MULTILINE)
 
 
 class CommandError(Exception):
-    """A command that was not done, with what it printed."""
+    """A command that was refused or failed, with what it printed."""
 
 
 class DebugMonitorDriver:
@@ -51,7 +51,8 @@ class DebugMonitorDriver:
         return text.splitlines(), status
 
     def run_check(self, command):
-        """The lines that the command prints. Raises CommandError when it was not done."""
+        """The lines that the command prints. Raises CommandError if it was refused or
+        failed."""
         lines, status = self.run(command)
         if status != 0:
             raise CommandError(f"{command}: " + "\n".join(lines))

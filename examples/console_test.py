@@ -5,6 +5,7 @@ usage: CONSOLE=DEVICE console_test.py
 """
 
 import os
+import sys
 import unittest
 
 from pexpect import fdpexpect
@@ -25,7 +26,7 @@ class RouteTest(unittest.TestCase):
     def run_command(self, command):
         """What the command prints, with plain line ends."""
         self.console.send(command + "\n")
-        # After the echo of the command, which has its own line end.
+        # The first line end is that of the echo.
         self.console.expect_exact("\r\n")
         self.console.expect_exact(PROMPT)
         return self.console.before.replace("\r", "")
@@ -45,11 +46,9 @@ class RouteTest(unittest.TestCase):
         self.assertEqual(self.run_command("l4 7"), "No command found\n")
         self.assertTrue(self.run_command("l3 zz").startswith("Invalid Command\n"))
 
-    @classmethod
-    def tearDownClass(cls):
-        with open(os.environ["CONSOLE"], "w", encoding="ascii") as console:
-            console.write("exit\n")
-
 
 if __name__ == "__main__":
+    if "CONSOLE" not in os.environ:
+        print("console_test.py: set CONSOLE to the device of the console", file=sys.stderr)
+        sys.exit(2)
     unittest.main()

@@ -1,10 +1,9 @@
 // The console on a scripted kernel: reads that are split, fail or are interrupted, writes that are
-// short, and an operator who types ahead of waits, Ctrl-C too, more than is kept. What the console
-// hands on is compared with a model of what it promises.
+// short, and an operator who types ahead during waits, including Ctrl-C, more than is kept. What
+// the console passes on is compared with a model of what it promises.
 //
-// An input begins with a byte of settings, a byte that counts the kernel's answers, and these,
-// which are used over and over; it goes on with steps, each a byte that says what happens and its
-// operands.
+// An input begins with a byte of settings, the number of the kernel's answers in a byte, and these,
+// which repeat. It continues with steps, each a byte that says what happens and its operands.
 #include "console/console_port.h"
 
 #include <algorithm>
@@ -28,8 +27,8 @@ void Check(bool holds) {
   if (!holds) std::abort();
 }
 
-/// Goes through the console's calls, knowing for each character that was typed whether it has to
-/// come, and when it may be missing.
+/// Makes the console's calls, knowing for each typed character whether it has to arrive or may be
+/// missing.
 class Session {
  public:
   explicit Session(fuzz::Input input) : steps_(input) {
@@ -73,7 +72,7 @@ class Session {
     }
   }
 
-  /// A text so many times. The void line that stands for what is lost is the only one with Ctrl-D.
+  /// A text, repeated. Only the void line that stands for what is lost has a Ctrl-D.
   void Type(unsigned times) {
     const auto bytes = steps_.Bytes(steps_.Byte() % 64U);
     std::string text(bytes.begin(), bytes.end());
@@ -96,7 +95,7 @@ class Session {
     Check(g_kernel.written == sent_);
   }
 
-  /// A character comes in its turn, as the setup translates it, or none.
+  /// The next character comes, as the setup translates it, or none.
   void Read() {
     g_kernel.looked = false;
     const int c = monitor::ConsoleReadChar();
@@ -182,10 +181,10 @@ class Session {
   fuzz::Input steps_;
   monitor::ConsoleSetup setup_;
   std::string sent_;
-  std::size_t next_ = 0;     ///< What has been typed comes from here on,
-  bool lost_ = false;        ///< or some is lost: what begins
+  std::size_t next_ = 0;     ///< Typed characters come from here on,
+  bool lost_ = false;        ///< or some are lost: those from
   std::size_t kept_ = 0;     ///< here
-  std::size_t lost_to_ = 0;  ///< and ends here or at the next line end.
+  std::size_t lost_to_ = 0;  ///< to here or to the next line end.
   unsigned void_left_ = 0;   ///< Characters to come of the line that stands for it.
 };
 

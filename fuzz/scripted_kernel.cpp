@@ -61,7 +61,7 @@ int __wrap_ppoll(pollfd* entries, nfds_t count, const timespec* limit, const sig
   if (g_kernel.Moves(1, g_kernel.wait_refused) == 0) return -1;
   int events = 0;
   for (nfds_t i = 0; i < count; ++i) {
-    // Who is waited for without a limit presses a key.
+    // A key is pressed when the wait for it has no limit.
     if (entries[i].fd == kInput && limit == nullptr && !g_kernel.Readable()) g_kernel.typed += 'k';
     const bool readable = entries[i].fd == kInput && g_kernel.Readable();
     const bool ready = entries[i].fd == kOutput || readable;

@@ -1,5 +1,5 @@
-// The kernel's side of a console whose system calls the linker has turned to it (--wrap): input
-// that arrives in pieces, calls that are interrupted or refused, output that is taken bit by bit.
+// The kernel's side of a console whose system calls the linker redirects here (--wrap): input that
+// arrives in pieces, calls that are interrupted or refused, output that is taken piece by piece.
 #pragma once
 
 #include <cstddef>
@@ -21,8 +21,8 @@ struct Kernel {
   bool wait_refused = false;
 
   bool terminal = true;
-  bool ended = false;    ///< Nobody types any more.
-  bool looked = false;   ///< The program has asked for something to read or whether there is.
+  bool ended = false;    ///< No more keys will be typed.
+  bool looked = false;   ///< The program has read, or asked whether it can.
   std::string typed;     ///< All of it,
   std::size_t read = 0;  ///< of which so much has been read.
   std::string written;
@@ -30,7 +30,7 @@ struct Kernel {
   [[nodiscard]] bool Readable() const { return ended || read != typed.size(); }
 
   /// How many of `count` characters this call moves; 0: it fails with errno set. No call is refused
-  /// twice in a row, as programs may try again for as long as it is.
+  /// twice in a row, as programs may retry until it succeeds.
   std::size_t Moves(std::size_t count, bool& refused);
 };
 

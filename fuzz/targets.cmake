@@ -1,4 +1,4 @@
-# The fuzz targets, each of a source of its name and perhaps more, and what they link.
+# The fuzz targets, each built from the source of its name and any listed here, and their libraries.
 set(fuzz_targets console console_port frames)
 set(libraries_of_console monitor chip)
 set(libraries_of_console_port console)

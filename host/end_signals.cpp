@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::array kSignals{SIGHUP, SIGINT, SIGTERM};
 
-/// Interrupts system calls. Nobody else has a use for it here, and a stray one does no harm.
+/// Interrupts system calls. It has no other use here, and a stray one does no harm.
 constexpr int kTickSignal = SIGURG;
 constexpr long kTickNanoseconds = 50'000'000;
 constexpr int kTicksToOverdue = 10;
@@ -43,9 +43,9 @@ void CatchEndSignals() {
   event.sigev_notify = SIGEV_SIGNAL;
   event.sigev_signo = kTickSignal;
   if (timer_create(CLOCK_MONOTONIC, &event, &g_timer) < 0) {
-    throw std::system_error(errno, std::generic_category(), "cannot make a timer");
+    throw std::system_error(errno, std::generic_category(), "cannot create a timer");
   }
-  // Without SA_RESTART, so that what blocks comes back.
+  // Without SA_RESTART, so that blocking calls return.
   struct sigaction action {};
   sigfillset(&action.sa_mask);
   action.sa_handler = Tick;

@@ -1,28 +1,28 @@
-// The end of the board by SIGHUP, SIGINT or SIGTERM, in order and whoever stands in its way.
+// An orderly end of the board by SIGHUP, SIGINT or SIGTERM, even while its output stalls.
 #pragma once
 
 #include <csignal>
 
 namespace board {
 
-/// Turns the first of these signals into something to look at, so that the board can end between
-/// two steps of the monitor. Every system call that blocks after it is interrupted (EINTR) within a
-/// short time, and again if it is repeated: none can begin too late to notice. A second signal ends
-/// the program as it always does. Signals that were ignored stay ignored. To be called once, after
-/// all SignalGuards are made. Throws std::system_error.
+/// Turns the first of these signals into a flag to be polled, so that the board can end between two
+/// steps of the monitor. Every system call that blocks after it is interrupted (EINTR) within a
+/// short time, and again if it is repeated: even one that begins after the signal. A second signal
+/// has its usual action. Signals that were ignored stay ignored. To be called once, after all
+/// SignalGuards are made. Throws std::system_error.
 void CatchEndSignals();
 
 /// The signal that has come; 0 for none. It has its usual action again.
 [[nodiscard]] int EndSignal();
 
-/// True half a second after the signal: who does not read by then is not waited for any more.
+/// True from half a second after the signal on: stalled readers are no longer waited for.
 [[nodiscard]] bool EndIsOverdue();
 
-/// To be called after a write() that failed. 0 when it is to be tried again, which may take a wait
-/// for room; else the error number, EINTR for a reader that holds up the end of the board.
+/// To be called after a write() that failed. 0 when it is to be retried, perhaps after a wait for
+/// room; else the error number, EINTR for a reader that holds up the end of the board.
 [[nodiscard]] int RetryWrite(int fd);
 
-/// While it lives, an end that has been asked for interrupts nothing.
+/// While it lives, a requested end interrupts nothing.
 class Uninterrupted {
  public:
   Uninterrupted();

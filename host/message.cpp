@@ -28,7 +28,7 @@ void Report(const std::string& text) {
   const bool raw = OnRawTerminal();
   const std::string line =
       (raw ? "\r\n" : "") + (kProgram + (": " + Printable(text))) + (raw ? "\r\n" : "\n");
-  // A message that could not be written does not silence the next, unless nobody reads it.
+  // A message that could not be written does not silence the next, unless its reader stalls.
   static bool abandoned = false;
   for (std::string_view left = line; !left.empty() && !abandoned;) {
     const ssize_t done = write(STDERR_FILENO, left.data(), left.size());

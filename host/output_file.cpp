@@ -31,8 +31,9 @@ OutputFile::OutputFile(const std::string& path, const std::string& kind, std::st
       file_(open(path.c_str(), kFlags | O_EXCL, kReadableByAll)),
       made_(file_.Open()) {
   if (!made_) file_ = Descriptor(open(path.c_str(), kFlags, kReadableByAll));
-  if (!file_.Open())
+  if (!file_.Open()) {
     throw std::system_error(errno, std::generic_category(), "cannot open " + name_);
+  }
   Add(header);
   if (!IsRegular(file_.Get())) Start();
 }
@@ -66,7 +67,7 @@ void OutputFile::Flush() {
   WriteOut();
   if (error_ == 0 || reported_) return;
   reported_ = true;
-  Report("cannot write " + name_ + ": " + std::strerror(error_) + "; it ends here");
+  Report("cannot write " + name_ + ": " + std::strerror(error_) + "; the file ends here");
 }
 
 void OutputFile::FlushAtOnce() {
@@ -74,7 +75,7 @@ void OutputFile::FlushAtOnce() {
   fcntl(file_.Get(), F_SETFL, O_NONBLOCK);
   const BrokenPipeIsError guard;
   const ssize_t done = write(file_.Get(), text_.data() + begin_, end_ - begin_);
-  // Where something is missing, nothing may follow.
+  // Nothing may follow a gap.
   if (std::cmp_not_equal(done, end_ - begin_)) error_ = EAGAIN;
   begin_ = end_ = 0;
 }
@@ -99,7 +100,7 @@ void OutputFile::Remove() const {
   struct stat made {};
   struct stat there {};
   if (fstat(file_.Get(), &made) != 0 || lstat(path_.c_str(), &there) != 0) return;
-  // Somebody else may have put another file in its place.
+  // Another program may have put its own file in its place.
   if (there.st_dev == made.st_dev && there.st_ino == made.st_ino) unlink(path_.c_str());
 }
 

@@ -9,16 +9,16 @@
 namespace board {
 
 /// A file that is written while the board runs. What it held before stays until Start, so that a
-/// start that fails destroys nothing. When it cannot be written any more, that is reported once and
-/// the file ends there; the board goes on. A reader that stands still is waited for, but not at the
-/// end of the board.
+/// start that fails destroys nothing. When it can no longer be written, that is reported once and
+/// the file ends there; the board continues. A stalled reader is waited for, except at the end of
+/// the board.
 class OutputFile {
  public:
   /// `kind` names it in messages: "the trace". Opening a FIFO waits for its reader. What is not a
   /// regular file starts at once, as there is nothing to destroy. Throws std::system_error.
   OutputFile(const std::string& path, const std::string& kind, std::string_view header = "");
 
-  /// Writes out what is left. A file that was made but not started goes away again.
+  /// Writes out what is left. A file that was created but not started is removed.
   ~OutputFile();
   OutputFile(const OutputFile&) = delete;
   OutputFile& operator=(const OutputFile&) = delete;
@@ -27,7 +27,7 @@ class OutputFile {
   /// Throws std::system_error when it cannot be written.
   void Start();
 
-  /// Adds to the file, by way of a buffer. To be called after Start.
+  /// Adds to the file, through a buffer. To be called after Start.
   void Add(std::string_view text);
 
   /// Writes the buffer out.
@@ -36,7 +36,7 @@ class OutputFile {
   /// Flush for a signal handler that ends the program: what is not taken at once is lost.
   void FlushAtOnce();
 
-  /// True when something is missing in the file, but for a reader that held up the end.
+  /// True when the file is incomplete, not counting a reader that held up the end of the board.
   [[nodiscard]] bool Failed() const;
 
  private:

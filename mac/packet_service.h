@@ -28,8 +28,8 @@ bool PacketService();
 
 /// Turns the ARP request at data address `frame`, received on `port` (a code), into the reply
 /// of the CPU's MAC address, in place. A request for another address than the port's is answered
-/// too, with its IP addresses where they were. kRefused, with the frame untouched, when it is no
-/// ARP request or the port has no IP address.
+/// too, with its IP addresses where they were. kRefused, with the frame untouched, when it is
+/// not an ARP request or the port has no IP address.
 [[nodiscard]] DriverStatus BuildArpReply(std::uint8_t port, std::uint32_t frame);
 
 }  // namespace monitor

@@ -66,7 +66,7 @@ class Spec {
     unsigned loads = 0;
     const auto result = std::from_chars(part.data(), part.data() + part.size(), loads);
     if (result.ec != std::errc() || result.ptr != part.data() + part.size() || loads == 0) {
-      Refuse("'" + part + "' is no number of loads, which is decimal, from 1 to 4294967295");
+      Refuse("'" + part + "' is not a number of loads; give a decimal number from 1 to 4294967295");
     }
     return loads;
   }

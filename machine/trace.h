@@ -30,7 +30,7 @@ class Trace {
   /// Mark, unless the last comment line says the same.
   void MarkOnce(const std::string& cause);
 
-  /// Hands everything to the file. When a signal ends the program, it gets what it takes at once.
+  /// Passes everything to the file, or what it takes at once when a signal ends the program.
   void Flush();
 
   /// True when events are missing in the file.
@@ -44,7 +44,7 @@ class Trace {
 
   OutputFile file_;
   std::string event_;        ///< The latest, which is not in the file yet,
-  std::string explanation_;  ///< what stands after it,
+  std::string explanation_;  ///< what follows it,
   std::uint64_t times_ = 0;  ///< and how often it has happened in a row.
   std::string cause_;
   std::string marked_;     ///< The cause in the last comment line.

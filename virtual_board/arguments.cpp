@@ -11,7 +11,7 @@
 namespace board {
 namespace {
 
-/// Characters of a line that the monitor looks at; it cuts the others off.
+/// Characters of a line that the monitor looks at; it cuts off the rest.
 constexpr std::size_t kLongestLine = monitor::kLineBufferSize - 2;
 
 }  // namespace
@@ -23,8 +23,8 @@ std::string CheckArgument(const std::string& argument) {
 
 std::string CheckName(const std::string& argument) {
   if (argument != "-") return CheckArgument(argument);
-  return "'-' is not a file: standard input and output carry the console; give a name, './-' for a "
-         "file called that";
+  return "'-' is not a file: standard input and output carry the console; name a file, './-' for "
+         "one called '-'";
 }
 
 std::string CheckFile(const std::string& argument) {

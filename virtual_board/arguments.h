@@ -1,4 +1,4 @@
-// What the arguments of options have to be. A check answers what is wrong, empty when nothing is.
+// Checks of the arguments of options. Each returns what is wrong, empty when nothing is.
 #pragma once
 
 #include <cstdint>
@@ -6,15 +6,15 @@
 
 namespace board {
 
-/// An option's argument is not the next option.
+/// Any argument, which must not be the next option.
 [[nodiscard]] std::string CheckArgument(const std::string& argument);
 
 /// The name of a file or link.
 [[nodiscard]] std::string CheckName(const std::string& argument);
-/// Of a file that has to have one.
+/// The name of a file, not empty.
 [[nodiscard]] std::string CheckFile(const std::string& argument);
 
-/// A line that stands for keys that are typed, so none of them may be one that edits.
+/// A line stands for typed keys, so it must not contain editing keys.
 [[nodiscard]] std::string CheckLine(const std::string& line);
 
 [[nodiscard]] std::string CheckCommand(const std::string& argument);

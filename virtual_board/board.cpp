@@ -118,7 +118,7 @@ void Board::OpenConsole(bool keep_delete) {
   if (!pseudo_terminal_) setup.at_end_of_input = EndOfInput;
   setup.before_wait = [] { g_board->BeforeWait(); };
   if (options_.plain) setup.filter = [](char c) { return g_board->FilterOutput(c); };
-  setup.on_long_wait = [](const monitor::Awaited& awaited) { g_board->TellOfLongWait(awaited); };
+  setup.on_long_wait = [](const monitor::Awaited& awaited) { g_board->ReportLongWait(awaited); };
   setup.between_steps = [] { g_board->EndWhenSignalled(); };
   setup.abandon_output = EndIsOverdue;
   monitor::ConsoleOpen(setup);
@@ -128,14 +128,14 @@ int Board::Finish() {
   complaints_.Flush();
   const bool written = WriteAll();
   const int status = StatusOfLines();
-  // What a signal may have cut short is not a success.
+  // A run that a signal may have cut short is not a success.
   if (written && EndSignal() != 0) std::raise(EndSignal());
   const bool forbidden = options_.strict && complaints_.Any();
   return written && !forbidden ? status : EXIT_FAILURE;
 }
 
 bool Board::WriteAll() {
-  // First what waits for nobody.
+  // What needs no reader comes first.
   const bool saved = Save();
   network_->Flush();
   if (trace_) trace_->Flush();
@@ -146,7 +146,7 @@ bool Board::WriteAll() {
 int Board::StatusOfLines() const {
   const std::size_t done = progress_.LinesDone() + (progress_.Exited() ? 1 : 0);
   if (done >= first_lines_.size()) return progress_.Status();
-  Report("'" + first_lines_[done] + "' is after an 'exit' and was not run");
+  Report("'" + first_lines_[done] + "' follows an 'exit' and was not run");
   return std::max(progress_.Status(), kExitRefused);
 }
 
@@ -175,7 +175,7 @@ void Board::NoteLostLine() {
   progress_.Note(monitor::ShellEvent::kRefused);
 }
 
-void Board::TellOfLongWait(const monitor::Awaited& awaited) {
+void Board::ReportLongWait(const monitor::Awaited& awaited) {
   complaints_.Flush();
   if (!awaited.first_look) return;
   const bool terminal = pseudo_terminal_ || terminal_;

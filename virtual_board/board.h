@@ -40,7 +40,7 @@ class Board {
   void NoteLostLine();
 
   /// Tells the operator, once in each wait, what the monitor waits for.
-  void TellOfLongWait(const monitor::Awaited& awaited);
+  void ReportLongWait(const monitor::Awaited& awaited);
 
   /// True while captures still have frames that the packet service would take.
   [[nodiscard]] bool FramesPending() const;
@@ -55,7 +55,7 @@ class Board {
   void BeforeWait();
 
  private:
-  /// Lets files lose what they held before.
+  /// Discards what files held before.
   void StartFiles();
   void OpenConsole(bool keep_delete);
   /// True for output that is not an answer, and for characters that a plain line end lacks.

@@ -22,7 +22,7 @@ void AppendLines(const std::string& path, std::vector<std::string>& lines) {
   if (!file) FailToRead(path);
   std::string line;
   int number = 1;
-  // What is no text, or endless, is refused before it fills the memory.
+  // Input that is not text, or endless, is refused before it fills the memory.
   for (char c; file.get(c);) {
     if (c == '\n') {
       lines.push_back(std::exchange(line, ""));

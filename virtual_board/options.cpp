@@ -26,7 +26,7 @@ constexpr char kFooter[] =
     "writes\n"
     "what the port sends to OUT, with pcap:,OUT nothing comes in; unix:PATH is a socket on which "
     "a\n"
-    "program exchanges frames (SOCK_SEQPACKET, one frame a packet).\n\n"
+    "program exchanges frames (SOCK_SEQPACKET, one frame per packet).\n\n"
     "With -c, or with a script on standard input, the board ends where the lines do. Exit status: "
     "0;\n"
     "1 when something could not be opened, read or written; 2 for a bad command line; with -c or\n"
@@ -60,15 +60,15 @@ void Describe(CLI::App& app, Options& options) {
   app.add_flag("--plain", options.plain,
                "Print only the answers, with plain line ends: no banner, prompt and echo");
   app.add_flag("--strict", options.strict,
-               "Exit with status 1 when the chip has complained of an access");
+               "Exit with status 1 when the chip has complained about an access");
   app.add_option("--pty", options.pty_link, "Offer the console as a pseudo-terminal under LINK")
       ->type_name("LINK")
       ->check(CheckName, "");
-  app.add_flag("--stay", options.stay, "Go on with the console after the lines of -c");
+  app.add_flag("--stay", options.stay, "Continue with the console after the lines of -c");
   app.add_option("--trace", options.trace_file, "Write every bus access to FILE")
       ->type_name("FILE")
       ->check(CheckFile, "");
-  app.add_option("--fault", options.faults, "Let an engine fail; may be repeated")
+  app.add_option("--fault", options.faults, "Make an engine fail; may be repeated")
       ->type_name("SPEC")
       ->check(CheckArgument, "")
       ->allow_extra_args(false);
@@ -108,15 +108,15 @@ void Describe(CLI::App& app, Options& options) {
   }
 }
 
-/// Flags are there or not, although the parser would take a value for each.
+/// Flags take no value, although the parser would accept one for each.
 void RefuseFlagValues(const CLI::App& app, const std::vector<std::string>& words) {
   for (const std::string& word : words) {
     const std::size_t equals = word.find('=');
     const CLI::Option* const option = app.get_option_no_throw(word.substr(0, equals));
     if (equals == std::string::npos || option == nullptr) continue;
     if (option->get_expected_max() != 0 || option->check_name(kRegisters)) continue;
-    throw UsageError(option->get_name() + " takes no value; leave '" + word.substr(equals) +
-                     "' out");
+    throw UsageError(option->get_name() + " takes no value; leave out '" + word.substr(equals) +
+                     "'");
   }
 }
 
@@ -148,7 +148,7 @@ void RefuseUnknownArguments(const std::vector<std::string>& words, const CLI::Ap
   if (!unknown.empty()) throw UsageError(unknown);
   if (words.empty()) return;
   throw UsageError("unexpected argument '" + words.front() +
-                   "'; the value of an option stands after it, that of --registers after '='");
+                   "'; the value of an option follows it, that of --registers follows '='");
 }
 
 std::string RegisterMapIn(const std::string& format) {
@@ -163,7 +163,7 @@ std::string RegisterMapIn(const std::string& format) {
 /// Refuses options that contradict each other.
 void CheckTogether(const Options& options) {
   if (options.pty_link && !ReadsConsole(options)) {
-    throw UsageError("--command and --pty: the board ends after the lines; --stay goes on");
+    throw UsageError("--command and --pty: the board ends after the lines; add --stay to continue");
   }
   if (!options.plain || !ReadsConsole(options)) return;
   if (options.pty_link || isatty(STDIN_FILENO) != 0) {

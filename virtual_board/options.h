@@ -12,8 +12,8 @@ namespace board {
 /// What the command line asks for.
 struct Options {
   std::vector<std::string> init_files;      ///< Files of lines to run before all others.
-  std::vector<std::string> commands;        ///< Lines to run instead of what would be typed,
-  bool stay = false;                        ///< or before that.
+  std::vector<std::string> commands;        ///< Lines to run instead of typed ones,
+  bool stay = false;                        ///< or before them.
   bool plain = false;                       ///< Only answers are printed, with plain line ends.
   bool strict = false;                      ///< A complaint of the chip is a failure.
   std::optional<std::string> pty_link;      ///< Console on a pseudo-terminal under this link.

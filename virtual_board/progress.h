@@ -10,7 +10,7 @@ namespace board {
 /// What the monitor is doing, and the results of its lines.
 class Progress {
  public:
-  /// Only so many lines, the first, count for the exit status.
+  /// Only the first `judged` lines count for the exit status.
   explicit Progress(std::size_t judged) : judged_(judged) {}
 
   /// To be called with each event of the shell, as it comes.

@@ -24,7 +24,7 @@ struct ClassifierFacts : SeparateIndex {
     return bits;
   }();
 
-  /// A write under the counter select leaves the rule alone, any other the overflow bits.
+  /// A write with the counter selected leaves the rule alone, any other leaves the overflow bits.
   static WindowParts Applied(std::uint8_t command, const WindowParts& stored) {
     const bool select = monitor::kClsCounterSelect.Get(command) != 0;
     return {

@@ -48,7 +48,7 @@ struct Rule {
   bool ack_valid = false;
   bool rst_valid = false;
 
-  // What becomes of those that match.
+  // What happens to those that match.
   bool filter = false;
   bool to_cpu = false;
   bool copy_to_cpu = false;

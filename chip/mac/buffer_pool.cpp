@@ -63,14 +63,14 @@ void BufferPool::Rebuild(StateArchive& archive, const std::deque<std::uint8_t>& 
   };
   buffers_.fill({});
   for (const std::uint8_t handle : pool_) {
-    require(handle >= kFirstReceiveHandle, "pool", handle, "is no receive buffer");
-    require(!buffers_[handle].pooled, "pool", handle, "is there twice");
+    require(handle >= kFirstReceiveHandle, "pool", handle, "is not a receive buffer");
+    require(!buffers_[handle].pooled, "pool", handle, "is listed twice");
     buffers_[handle].pooled = true;
   }
   for (const std::uint8_t handle : held) {
-    require(handle >= kFirstReceiveHandle, "held", handle, "is no receive buffer");
+    require(handle >= kFirstReceiveHandle, "held", handle, "is not a receive buffer");
     require(!buffers_[handle].pooled, "held", handle, "is in the pool too");
-    require(!buffers_[handle].held, "held", handle, "is there twice");
+    require(!buffers_[handle].held, "held", handle, "is listed twice");
     buffers_[handle].held = true;
   }
 }
@@ -78,8 +78,8 @@ void BufferPool::Rebuild(StateArchive& archive, const std::deque<std::uint8_t>& 
 void BufferPool::RequireAll(StateArchive& archive) const {
   for (unsigned handle = kFirstReceiveHandle; handle < kBuffers; ++handle) {
     const Buffer& buffer = buffers_[handle];
-    const bool somewhere = buffer.pooled || buffer.held || buffer.uses != 0;
-    RequireOfBuffer(archive, somewhere, "pool", handle, "is nowhere");
+    const bool known = buffer.pooled || buffer.held || buffer.uses != 0;
+    RequireOfBuffer(archive, known, "pool", handle, "is missing");
   }
 }
 

@@ -1,4 +1,4 @@
-// Who has which frame buffer: the pool, the CPU, transmissions.
+// Which frame buffers are in the pool, held by the CPU, or used by transmissions.
 #pragma once
 
 #include <array>
@@ -10,8 +10,8 @@
 
 namespace chip {
 
-/// Receive buffers (handles from kFirstReceiveHandle on) return to the end of the pool when nobody
-/// has them any more. The others belong to the software for good, and are only counted.
+/// Receive buffers (handles from kFirstReceiveHandle on) return to the end of the pool once neither
+/// held nor used. The others always belong to the software; only their uses are counted.
 class BufferPool {
  public:
   BufferPool() { Reset(); }
@@ -58,7 +58,7 @@ class BufferPool {
 };
 
 /// Throws, when values are replaced, for the member `name` of the state that is wrong about a
-/// buffer; `reason` goes on after the buffer's number.
+/// buffer; `reason` follows the buffer's number.
 void RequireOfBuffer(StateArchive& archive, bool holds, const char* name, unsigned handle,
                      const char* reason);
 

@@ -52,7 +52,7 @@ bool CpuPort::Offer(PortId port, ReceiveReason reason, std::span<const std::uint
   memory_.SetHeaderLength(handle, static_cast<std::uint16_t>(frame.size()));
   memory_.HeaderByte(handle, kHeaderPort) = CodeOf(port);
   memory_.HeaderByte(handle, kHeaderReason) = static_cast<std::uint8_t>(reason);
-  // A buffer of the pool that is sent to the CPU may come back into itself.
+  // A pool buffer that is sent to the CPU may be received into itself.
   const auto place = memory_.Frame(handle, frame.size());
   if (place.data() != frame.data()) std::copy(frame.begin(), frame.end(), place.begin());
   in_received_.set(handle);
@@ -105,7 +105,7 @@ void CpuPort::ReceivedState(StateArchive& archive) {
   in_received_.reset();
   for (const std::uint8_t handle : received_) {
     RequireOfBuffer(archive, pool_.Held(handle), "received", handle, "is not held");
-    RequireOfBuffer(archive, !in_received_[handle], "received", handle, "is there twice");
+    RequireOfBuffer(archive, !in_received_[handle], "received", handle, "is listed twice");
     in_received_.set(handle);
   }
   OfferNext();

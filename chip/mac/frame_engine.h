@@ -1,4 +1,4 @@
-// The way of a frame through the model: from a port to the CPU, and from a buffer that the CPU
+// The path of a frame through the model: from a port to the CPU, and from a buffer that the CPU
 // sends to a port.
 #pragma once
 

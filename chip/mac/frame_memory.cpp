@@ -37,7 +37,7 @@ void FrameMemory::Copy(std::uint32_t to, std::uint32_t from, std::uint32_t count
   const std::uint32_t from_at = Offset(from);
   const bool apart = to_at + count <= from_at || from_at + count <= to_at;
   if (!observer && apart && inside(to_at) && inside(from_at)) {
-    // The single accesses cannot be told from one move.
+    // One move has the same effect as the single accesses.
     std::memcpy(bytes_.data() + to_at, bytes_.data() + from_at, count);
     return;
   }

@@ -10,7 +10,7 @@
 
 namespace chip {
 
-/// A frame to be sent, in its buffer. The contents are those of the time when it leaves.
+/// A frame to be sent, in its buffer. It leaves with what the buffer holds by then.
 struct Transmission {
   std::uint8_t handle;
   std::uint16_t length;  ///< In bytes, from 1 to kLongestFrame.
@@ -33,7 +33,7 @@ class Port {
     return monitor::kMacLinkUp.Get(control) != 0;
   }
 
-  /// True when what the port sends comes back to it, and the wire is shut out.
+  /// True when what the port sends comes back to it, and the wire is cut off.
   [[nodiscard]] bool LoopedBack() const {
     return (registers_.Get(monitor::kLoopback) >> 2 * monitor::IndexOf(id_) & 1) != 0;
   }
@@ -41,7 +41,7 @@ class Port {
   /// Queues a transmission; false when the queue is full.
   [[nodiscard]] bool Queue(Transmission transmission);
 
-  /// Takes the transmission whose turn it is; nothing when none waits or the port is down.
+  /// Takes the next transmission; nothing when none waits or the port is down.
   [[nodiscard]] std::optional<Transmission> NextDeparture();
 
   /// What waits, the next to leave first.

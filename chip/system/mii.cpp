@@ -8,7 +8,7 @@ namespace {
 using namespace monitor;  // NOLINT: the register names
 
 constexpr unsigned kUsualLoads = 4;
-constexpr std::uint16_t kNobody = 0xFFFF;
+constexpr std::uint16_t kNoPhy = 0xFFFF;
 
 constexpr auto kReady = kMiiReady.Mask<std::uint16_t>();
 constexpr auto kValid = kMiiReadValid.Mask<std::uint16_t>();
@@ -64,7 +64,7 @@ void MiiInterface::Complete() {
   Phy* const phy = access_.Fails() ? nullptr : FindPhy(kMiiPhy.Get(started_));
   const unsigned reg = kMiiRegister.Get(started_);
   if (kMiiReadAccess.Get(started_) != 0) {
-    registers_.Set(kMiiReadData, phy != nullptr ? phy->Load(reg) : kNobody);
+    registers_.Set(kMiiReadData, phy != nullptr ? phy->Load(reg) : kNoPhy);
     read_valid_ = true;
   } else if (kMiiWriteAccess.Get(started_) != 0 && phy != nullptr) {
     phy->Store(reg, registers_.Get(kMiiWriteData));

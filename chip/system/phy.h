@@ -27,7 +27,7 @@ class Phy {
   [[nodiscard]] std::uint16_t Load(unsigned reg);
   void Store(unsigned reg, std::uint16_t value);
 
-  /// What a register holds, bypassing the management interface. The link's own bits come on top.
+  /// What a register holds, bypassing the management interface. The link's own bits are added.
   void Set(unsigned reg, std::uint16_t value) { registers_[reg] = value; }
 
  private:

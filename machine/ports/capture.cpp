@@ -53,8 +53,8 @@ std::string About(const std::string& file, const std::string& reason) {
   return "pcap:" + (reason.starts_with(file + ": ") ? reason : file + ": " + reason);
 }
 
-/// The beginning of a pcap file. Numbers are in the host's byte order, which the magic number
-/// tells, as it does that times are in nanoseconds.
+/// The beginning of a pcap file. Numbers are in the host's byte order, times in nanoseconds; the
+/// magic number shows both.
 struct PcapHeader {
   std::uint32_t magic = 0xA1B23C4D;
   std::uint16_t major_version = 2;
@@ -179,7 +179,7 @@ class CapturePort : public Port {
   }
 
   std::string name_;
-  /// System calls are few with a buffer of this size; the usual one holds two frames.
+  /// Large enough to make system calls rare; the usual buffer holds two frames.
   std::array<char, 65536> in_buffer_;
   Capture input_;
   std::optional<OutputFile> output_;

@@ -67,8 +67,8 @@ struct CaptureNames {
 };
 [[nodiscard]] CaptureNames CapturesOf(const std::string& what);
 
-/// Opens what a port option names; null for none. Throws std::runtime_error, a PortError but for
-/// captures that cannot be written.
+/// Opens what a port option names; null for none. Throws std::runtime_error, a PortError except
+/// for captures that cannot be written.
 [[nodiscard]] std::unique_ptr<Port> OpenPort(const std::string& what, const PortOptions& options);
 
 // The kinds, by what follows their colon.

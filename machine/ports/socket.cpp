@@ -20,7 +20,7 @@
 namespace board {
 namespace {
 
-/// Between attempts to connect a program while the system refuses.
+/// Between attempts to accept a connection while the system refuses.
 constexpr time_t kSecondsToRetry = 1;
 
 class SocketPort : public Port {
@@ -69,8 +69,8 @@ class SocketPort : public Port {
   [[nodiscard]] bool LinkUp() const override { return peer_.Open(); }
 
  private:
-  /// Connects a program that waits. While the system refuses, as for want of descriptors, the
-  /// program would make the listener readable again and again, so the timer is watched instead.
+  /// Accepts a waiting connection. While the system refuses, as for want of descriptors, the
+  /// listener would stay readable, so the timer is watched instead.
   bool Accept() {
     std::uint64_t expired;
     if (refused_ && read(retry_.Get(), &expired, sizeof(expired)) < 0) return false;
@@ -82,7 +82,7 @@ class SocketPort : public Port {
       return error == 0;
     }
     if (!std::exchange(refused_, true)) {
-      Report("unix:" + path_ + ": cannot connect a program: " + std::strerror(error) +
+      Report("unix:" + path_ + ": cannot accept a connection: " + std::strerror(error) +
              "; trying again every second");
     }
     itimerspec when{};

@@ -31,7 +31,7 @@ std::string Reason(int error) {
 /// Why the kernel refuses to attach to the device of that name.
 std::string WhyNotAttached(const std::string& name, int error) {
   if (error != EINVAL || if_nametoindex(name.c_str()) == 0) return Reason(error);
-  return name + " is not a TAP device; name one that is, or a new one, which is then made";
+  return name + " is not a TAP device; name one that is, or a new one to be created";
 }
 
 class TapPort : public Port {

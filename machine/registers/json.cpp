@@ -94,7 +94,7 @@ Json OfField(const FieldRow& field, BitUse use) {
   return json;
 }
 
-/// What a register has wherever it is; `place` names the member that tells where.
+/// The members that every register has; `place` names the one that says where it is.
 Json OfRegister(const char* place, const RegisterRow& row, std::uint32_t reset, const UseOf& use) {
   Json json{{"name", row.name},   {place, row.offset},      {"width", 8 * row.width},
             {"count", row.count}, {"meaning", row.meaning}, {"use", Word(use(AllBits(row)))},

@@ -148,7 +148,7 @@ void Peripheral(Xml& xml, const ChipMap& chip, const RegisterBlock& block) {
   xml.End("peripheral");
 }
 
-/// In this format the byte order is one of the processor.
+/// In this format the byte order is a property of the processor.
 void Processor(Xml& xml) {
   xml.Begin("cpu");
   xml.Leaf("name", "other");

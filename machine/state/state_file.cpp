@@ -28,7 +28,7 @@ constexpr auto kSameOwner = static_cast<uid_t>(-1);
   throw std::system_error(errno, std::generic_category(), doing + " '" + path + "'");
 }
 
-/// The content, of which a longer one than any state is cut after that length.
+/// The content, cut off where it is longer than any state.
 std::string ReadAll(const std::string& path) {
   const std::string doing = "cannot load the state";
   const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
@@ -79,7 +79,7 @@ bool TakeOver(int fd, const std::string& path) {
   }
   // Without the right to give the file away, the group alone may still be possible.
   if (fchown(fd, old.st_uid, old.st_gid) != 0) (void)!fchown(fd, kSameOwner, old.st_gid);
-  // A state is no program: it never becomes one that runs with its owner's rights.
+  // A state is not a program: it never gets the bits that would run it with its owner's rights.
   return fchmod(fd, old.st_mode & 0777) == 0;
 }
 

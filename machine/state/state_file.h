@@ -6,8 +6,8 @@
 
 namespace board {
 
-/// Replaces the state by that of a file; the note in it. Throws std::runtime_error, naming file,
-/// place and reason, and then nothing has changed.
+/// Replaces the state by that of a file and returns its note. Throws std::runtime_error, naming
+/// file, place and reason, and then nothing has changed.
 std::string LoadStateFile(const std::string& path, chip::RouterChip& chip);
 
 /// A file that will take a state. At every moment it holds all of the old content or all of the

@@ -14,7 +14,7 @@ constexpr unsigned kDeepest = 16;
 /// Values of all kinds; the fullest chip has fewer than 40,000.
 constexpr unsigned kMostValues = 100'000;
 
-/// Finds members that come twice, of which a JSON parser keeps one.
+/// Finds duplicate members, of which a JSON parser keeps one.
 class RepetitionCheck {
  public:
   bool operator()(int /*depth*/, json::parse_event_t event, const json& parsed) {
@@ -56,8 +56,8 @@ std::string ReasonOf(const json::exception& error) {
                    std::to_string(column) + ": " + reason);
 }
 
-/// Looks at what opens, ends and separates values, which costs no memory. Whether that fits
-/// together is the parser's business.
+/// Looks at what opens, ends and separates values, which costs no memory. Whether these match is
+/// left to the parser.
 void CheckShape(const std::string& text) {
   if (text.size() > kLongestStateText) throw StateError("it is longer than any state");
   // The parser takes it for the end of the text.
@@ -74,7 +74,7 @@ void CheckShape(const std::string& text) {
       continue;
     }
     const bool opens = c == '{' || c == '[';
-    if (opens && ++depth > kDeepest) Refuse(text, i, "deeper than any state");
+    if (opens && ++depth > kDeepest) Refuse(text, i, "nested deeper than any state");
     if ((opens || c == ',') && ++values > kMostValues) {
       Refuse(text, i, "more values than any state has");
     }

@@ -8,9 +8,9 @@
 
 namespace board {
 
-/// The JSON object that a text is. Throws StateError for anything else, for a member that comes
-/// twice, and, before it takes memory, for a text that no state looks like: too long, too deep, of
-/// too many values, or with a NUL.
+/// Parses a JSON object. Throws StateError for anything else, for a duplicate member, and, before
+/// it takes memory, for a text that cannot be a state: too long, nested too deep, of too many
+/// values, or with a NUL.
 [[nodiscard]] nlohmann::json ParseStateJson(const std::string& text);
 
 /// The longest text, in bytes. The fullest chip takes half of it.

@@ -34,7 +34,7 @@ json StateReader::Take(const std::string& name) {
 
 void StateReader::Text(const std::string& name, std::string& value) {
   const json taken = Take(name);
-  if (!taken.is_string()) Refuse(name, "is not a text");
+  if (!taken.is_string()) Refuse(name, "is not a string");
   value = taken.get<std::string>();
 }
 
@@ -83,12 +83,12 @@ void StateReader::Flag(const std::string& name, bool& flag) {
 std::vector<std::uint8_t> StateReader::TakeBytes(const std::string& name) {
   const json value = Take(name);
   std::vector<std::uint8_t> bytes;
-  if (!value.is_string()) Refuse(name, "is not a text of hexadecimal digits");
+  if (!value.is_string()) Refuse(name, "is not a string of hexadecimal digits");
   const std::string_view text = value.get_ref<const std::string&>();
   for (std::size_t i = 0; i < text.size(); i += 2) {
     std::uint64_t byte = 0;
     if (text.size() - i < 2 || !ParseHex(text.substr(i, 2), byte)) {
-      Refuse(name, "is not a text of pairs of hexadecimal digits");
+      Refuse(name, "is not a string of pairs of hexadecimal digits");
     }
     bytes.push_back(static_cast<std::uint8_t>(byte));
   }
@@ -118,7 +118,7 @@ void StateReader::HexNumber(const std::string& name, std::uint64_t& number, std:
   const json value = Take(name);
   const std::string text = value.is_string() ? value.get<std::string>() : "";
   if (text.size() != digits || !ParseHex(text, number)) {
-    Refuse(name, "is not a text of " + std::to_string(digits) + " hexadecimal digits");
+    Refuse(name, "is not a string of " + std::to_string(digits) + " hexadecimal digits");
   }
   if ((number & ~bits) != 0) Refuse(name, "has bits set that do not exist");
 }

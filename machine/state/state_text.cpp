@@ -64,7 +64,7 @@ void VisitState(chip::StateArchive& archive, chip::RouterChip& chip, MonitorSett
   chip.State(archive);
 }
 
-/// Gives the note.
+/// Returns the note.
 std::string Read(const nlohmann::json& state, chip::RouterChip& chip, MonitorSettings& settings) {
   StateReader reader(state);
   std::string note;

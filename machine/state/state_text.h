@@ -9,10 +9,10 @@
 
 namespace board {
 
-/// The state in JSON, with the user's note if there is one. Timers stand where they are now.
+/// The state in JSON, with the user's note if there is one. Timers have their present counts.
 [[nodiscard]] std::string StateText(chip::RouterChip& chip, std::string note = "");
 
-/// Replaces the state by that of the text, whatever it was before; the note in it. Throws
+/// Replaces the state, whatever it was before, by that of the text and returns its note. Throws
 /// StateError, and then nothing has changed.
 std::string ReplaceState(const std::string& text, chip::RouterChip& chip);
 

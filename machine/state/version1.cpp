@@ -13,7 +13,7 @@ namespace {
 
 using nlohmann::json;
 
-/// A member of an entry and the registers that it was noted as: `size` bytes, or one bit.
+/// A member of an entry and the registers that it was noted from: `size` bytes, or one bit.
 struct Member {
   const char* name;
   std::uint16_t offset;
@@ -85,7 +85,7 @@ class Node {
     if (value_.is_number_unsigned()) {
       number = value_.get<std::uint64_t>();
     } else if (!value_.is_string() || !ParseHex(value_.get<std::string>(), digits, number)) {
-      Refuse("is not a text of " + std::to_string(digits) + " hexadecimal digits");
+      Refuse("is not a string of " + std::to_string(digits) + " hexadecimal digits");
     }
     if (number >> (4 * digits) != 0) Refuse("is too large");
     return number;
@@ -102,7 +102,7 @@ class Node {
   json::json_pointer pointer_;
 };
 
-/// Stores the lowest `size` bytes of a number, beside the bus.
+/// Stores the lowest `size` bytes of a number, bypassing the bus.
 void Store(chip::RegisterFile& registers, std::uint64_t offset, std::size_t size,
            std::uint64_t number) {
   for (std::size_t i = size; i-- != 0; number >>= 8) {

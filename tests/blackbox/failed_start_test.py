@@ -26,7 +26,7 @@ class FailedStart(board.BoardTest):
         """Options with which no board starts."""
         missing = self.path("missing/name")
         with open(self.path("text"), "w", encoding="ascii") as file:
-            file.write("This is no capture and no state.\n")
+            file.write("This is not a capture or a state.\n")
         return [
             ["--trace", missing],
             ["--capture", missing],

@@ -1,4 +1,4 @@
-"""A terminal that hangs up ends both programs as SIGHUP does, also where it is not the controlling
+"""A terminal that hangs up ends both programs as SIGHUP does, even where it is not the controlling
 terminal and the kernel sends no signal."""
 
 import json
@@ -26,10 +26,10 @@ class HangUp:
     """What both programs are put through; a mixin of test cases with a `command`."""
 
     def start(self, **options):
-        """Starts the program on a terminal that is nobody's controlling one, up to its prompt."""
+        """Starts the program on a terminal that controls no session, up to its prompt."""
         self.user_side, terminal = pty.openpty()
         tty.setraw(terminal)
-        # What the board itself has to say would stand between the monitor's lines.
+        # What the board itself has to say would come between the monitor's lines.
         streams = {"stdin": terminal, "stdout": terminal, "stderr": subprocess.DEVNULL, **options}
         # pylint: disable=consider-using-with
         self.process = subprocess.Popen(self.command(), start_new_session=True, **streams)

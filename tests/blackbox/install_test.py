@@ -7,10 +7,13 @@ import subprocess
 import tempfile
 import unittest
 
-TOP = os.environ["SOURCES"]
+import document_links
+
+TOP = pathlib.Path(os.environ["SOURCES"])
 PROGRAMS = os.environ["PROGRAMS"]
 
-FOLDERS = {"BINDIR": "tools", "SBINDIR": "system", "DATADIR": "data", "MANDIR": "manual"}
+FOLDERS = {"BINDIR": "tools", "SBINDIR": "system", "DATADIR": "data", "MANDIR": "manual",
+           "DOCDIR": "documents"}
 
 EXPECTED = {
     "opt/here/tools/virtual-board": 0o755,
@@ -31,19 +34,41 @@ class Install(unittest.TestCase):
             os.makedirs(os.path.join(build, "bin"), exist_ok=True)
             for name in ("debug-monitor", "virtual-board"):
                 shutil.copy(os.path.join(PROGRAMS, name), os.path.join(build, "bin"))
-            root = pathlib.Path(folder, "root")
-            self.do("cmake", "--install", build, env={**os.environ, "DESTDIR": str(root)})
-            installed = {
-                str(path.relative_to(root)): path.stat().st_mode & 0o777
-                for path in root.rglob("*") if path.is_file()
-            }
-        pages = os.path.join(TOP, "packaging", "man")
-        names = os.listdir(pages) if os.path.isdir(pages) else []
-        manual = {f"opt/here/manual/man{name[-1]}/{name}": 0o644 for name in names}
-        self.assertEqual(installed, EXPECTED | manual)
+            everything = self.installed(build, pathlib.Path(folder, "all"))
+            for_the_board = self.installed(
+                build, pathlib.Path(folder, "board"), "virtual-board", "debug-monitor-doc"
+            )
+        manual = {
+            f"opt/here/manual/man{page.name[-1]}/{page.name}": 0o644
+            for page in (TOP / "packaging/man").iterdir()
+        }
+        expected = EXPECTED | manual | self.documents()
+        self.assertEqual(everything, expected)
+        for name in ("debug-monitor", "debug-monitor-console"):
+            del expected[f"opt/here/system/{name}"]
+        self.assertEqual(for_the_board, expected)
+
+    def installed(self, build, root, *components):
+        """Installs the components, or all: the files and their modes."""
+        for component in [["--component", name] for name in components] or [[]]:
+            self.do("cmake", "--install", build, *component, env={**os.environ, "DESTDIR": root})
+        self.assertEqual(document_links.broken(root / "opt/here/documents"), [])
+        return {
+            str(path.relative_to(root)): path.stat().st_mode & 0o777
+            for path in root.rglob("*") if path.is_file()
+        }
+
+    @staticmethod
+    def documents():
+        """README, documents and examples stand to each other as in the sources."""
+        documents = [TOP / "README.md", TOP / "CONTRIBUTING.md", *(TOP / "docs").rglob("*.md")]
+        modes = {path: 0o644 for path in documents}
+        for path in (TOP / "examples").rglob("*.*"):
+            modes[path] = path.stat().st_mode & 0o777
+        return {f"opt/here/documents/{path.relative_to(TOP)}": modes[path] for path in modes}
 
     def test_packages_have_the_version_of_the_programs(self):
-        with open(os.path.join(TOP, "debian", "changelog"), encoding="utf-8") as changes:
+        with open(TOP / "debian/changelog", encoding="utf-8") as changes:
             first = changes.readline()
         self.assertEqual(first.split()[:2], ["debug-monitor", f"({os.environ['VERSION']})"])
 

@@ -69,7 +69,7 @@ class Terminal(StandInTest):
         termios.tcflow(self.terminal.fd, termios.TCOOFF)
         self.addCleanup(termios.tcflow, self.terminal.fd, termios.TCOON)
         self.terminal.type(b"\r")
-        # Nothing tells that the output waits; a signal before that is no harder to obey.
+        # Nothing shows that the output waits; a signal before that is as easy to obey.
         time.sleep(0.2)
         self.terminal.process.terminate()
         self.expect_end(128 + signal.SIGTERM)
@@ -190,8 +190,8 @@ class RealMonitor(launcher.RealMonitorTest):
         screen.shows(b"exit\r\n")
         self.expect_end(0)
 
-    def test_killed_launcher_leaves_nobody_on_a_terminal_that_hangs_up(self):
-        """In the background of the shell that goes on, no signal tells the monitor of that."""
+    def test_killed_launcher_leaves_no_monitor_on_a_terminal_that_hangs_up(self):
+        """In the background of a shell that continues, no signal reports that to the monitor."""
         self.install_monitor(self.path)
         self.terminal.start(["sh", "-c", 'set -m; "$0"; read -r line', self.launcher])
         self.terminal.screen.shows(MAPPED + START)

@@ -1,5 +1,4 @@
-"""The manual pages, the README and the documents with examples: they show what the programs do, and
-nothing is missing in them.
+"""The examples of the manual pages, the README and the documents, in order, as printed.
 
 A literal block of a page, or a fenced block of a document, is an example when it has prompts. It is
 a session when it begins with the console's prompt, or with the start of a board and nothing else for
@@ -10,55 +9,29 @@ the shell. Sessions are typed on a board of their own, and the terminal then sho
     Debug>> l3 5
     L3 Read failed
 
-In other examples "$ " begins a line for the shell, "> " continues it, and its output follows.
-The shell finds the programs in PATH and a capture in.pcap of one frame in its folder. Blocks with
-unshare or nsenter need a network of their own; tap_test.py does what they show.
+In other examples "$ " begins a line for the shell, "> " continues it, and its output follows; a
+block of commands alone must succeed. The shell finds the programs in PATH and the in.pcap of the
+examples in its folder. Blocks with unshare or nsenter need a network of their own; tap_test.py does
+what they show. The blocks of automation.md are run by examples_test.py.
 """
 
-import glob
 import os
 import re
 import shlex
+import shutil
 import subprocess
 import unittest
 
-import frames
 import support
 from board import BOARD, BoardTest
+from pages import PAGES, SOURCES, blocks
 
-SOURCES = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..")
-PAGES = sorted(glob.glob(os.path.join(SOURCES, "packaging/man/*.[1-9]")))
-DOCUMENTS = [os.path.join(SOURCES, name) for name in ("README.md", "docs/ports.md")]
-CONSOLE_PAGE = os.path.join(SOURCES, "packaging/man/debug-monitor.8")
-BOARD_PAGE = os.path.join(SOURCES, "packaging/man/virtual-board.1")
+DOCUMENTS = [
+    os.path.join(SOURCES, name)
+    for name in ("README.md", "docs/ports.md", "docs/state.md", "docs/virtual-board.md")
+]
 
 PROMPT = "Debug>> "
-
-
-def read(path):
-    with open(path, encoding="ascii") as file:
-        return file.read()
-
-
-def plain(text):
-    """A line of a page as it is shown."""
-    return text.replace(r"\&", "").replace(r"\-", "-").replace(r"\e", "\\")
-
-
-def blocks(path, language=""):
-    """The literal blocks of a page or document: line number and lines."""
-    page = not path.endswith(".md")
-    begin, end = (r"\.Bd -literal.*", r"\.Ed") if page else (r"```" + language, r"```")
-    block = None
-    for number, line in enumerate(read(path).splitlines(), 1):
-        if block is None:
-            if re.fullmatch(begin, line):
-                first, block = number + 1, []
-        elif re.fullmatch(end, line):
-            yield first, block
-            block = None
-        else:
-            block.append(plain(line) if page else line)
 
 
 def has(block, prompts):
@@ -107,17 +80,17 @@ class Examples(BoardTest):
             shown += terminal.screen.until(support.PROMPT)
         return shown[: -len(support.PROMPT)]
 
-    def in_shell(self, block):
-        """What is seen of a shell that shows its script and runs it."""
+    def in_shell(self, block, *options):
+        """A shell that runs a block, with what is seen of it."""
         lines = [line[2:] for line in block if line.startswith(("$ ", "> "))]
         with open(self.path("script"), "w", encoding="ascii") as script:
             script.write("\n".join(lines) + "\n")
         os.makedirs(self.path("build"), exist_ok=True)
         if not os.path.exists(self.path("build/bin")):
             os.symlink(os.path.dirname(BOARD), self.path("build/bin"))
-        frames.write_pcap(self.path("in.pcap"), [frames.frame(60, frames.BROADCAST)])
-        done = subprocess.run(
-            ["sh", "-v", "script"],
+        shutil.copy(os.path.join(SOURCES, "examples/in.pcap"), self.folder)
+        return subprocess.run(
+            ["sh", *options, "script"],
             cwd=self.folder,
             env={**os.environ, "PATH": os.path.dirname(BOARD) + ":" + os.environ["PATH"]},
             stdin=subprocess.DEVNULL,
@@ -126,14 +99,16 @@ class Examples(BoardTest):
             timeout=support.DEADLINE,
             check=False,
         )
-        return done.stdout
 
     def check(self, block):
         if is_session(block):
             wanted, shown = block, self.on_board(block)
+        elif all(line.startswith("$ ") for line in block):
+            self.assertEqual(self.in_shell(block, "-e").returncode, 0)
+            return
         else:
             wanted = [re.sub(r"^[$>] ", "", line) for line in block]
-            shown = self.in_shell(block)
+            shown = self.in_shell(block, "-v").stdout
         self.assertEqual("\n".join(wanted), "\n".join(screen(shown)).rstrip("\n"))
 
     def test_examples(self):
@@ -146,62 +121,19 @@ class Examples(BoardTest):
 
 
 class ProgramOnAPort(BoardTest):
-    def test_it_exchanges_frames(self):
-        """Once its frame has come in, it is sent one of zeros."""
-        [(_, block)] = blocks(os.path.join(SOURCES, "docs/ports.md"), "python")
-        self.start("--lan", "unix:lan.socket", before=["env", "-C", self.folder])
-        self.command(b"frame r = auto")
-        # pylint: disable=consider-using-with
-        program = subprocess.Popen(
-            ["python3", "-c", "\n".join(block)], cwd=self.folder, stdout=subprocess.PIPE
-        )
-        self.addCleanup(support.end, program)
-        self.screen.until(b"Packet length=0x03c    reason=0x04")
-        self.command(b"frame t 3c 1 lan 0 low")
-        self.assertEqual(program.stdout.read(), 60 * b"00" + b"\n")
-        self.assertEqual(program.wait(support.DEADLINE), 0)
+    """The program of ports.md, on the board that stands before it."""
 
-
-def sections(path, macro):
-    """The text below each heading of a page, by heading."""
-    parts = re.split(rf"^\.{macro} (.*)\n", read(path), flags=re.MULTILINE)
-    return dict(zip(parts[1::2], parts[2::2]))
-
-
-class Completeness(BoardTest):
-    def help(self, *words):
-        """The answer to help, its wrapped lines joined again."""
-        answer = self.command(" ".join(["help", *words]).encode()).decode()
-        return answer.replace("\n\r\t   ", "").replace("\r", "")
-
-    def test_every_form_of_every_command(self):
-        self.start()
-        described = sections(CONSOLE_PAGE, "Ss")
-        commands = self.help().split()
-        self.assertEqual([name for name in described if name in commands], commands)
-        for command in commands:
-            forms = [" ".join(row.split()) for row in self.help(command).strip().splitlines()]
-            heads = re.findall(r"^\.It Ic (.*)$", described[command], re.MULTILINE)
-            with self.subTest(command):
-                self.assertEqual([head for head in heads if head in forms], forms)
-
-    def test_every_failure(self):
-        page = read(CONSOLE_PAGE)
-        for folder in ("system", "mac", "tables", "classifier", "qos", "pppoe"):
-            for path in glob.glob(os.path.join(SOURCES, folder, "*_command.cpp")):
-                for failure in re.findall(r'"([^"\n]* failed)', read(path)):
-                    self.assertTrue(failure in page, failure)
-
-    def test_every_option(self):
-        text = support.run([BOARD, "--help"]).stdout.decode()
-        rows = re.findall(r"^  (-.*?)(?:  |$)", text, re.MULTILINE)
-        known = {name for row in rows for name in re.findall(r"(?<![-\w])--?[a-z][-\w]*", row)}
-        page = read(BOARD_PAGE)
-        heads = re.findall(r"^\.It (Fl .*)$", page, re.MULTILINE)
-        described = {"-" + name for head in heads for name in re.findall(r"Fl ([-\w]+)", head)}
-        self.assertEqual(described, known)
-        for engine in re.search(r"Engines: (.*)", text)[1].split(", "):
-            self.assertTrue(re.search(rf"\b{engine}\b", page), engine)
+    def test_it_is_answered(self):
+        document = os.path.join(SOURCES, "docs/ports.md")
+        [(_, program)] = blocks(document, "python")
+        [(_, printed)] = blocks(document, "text")
+        [board] = [block for _, block in blocks(document) if "unix:" in block[0]]
+        self.start(*shlex.split(board[0])[2:], before=["env", "-C", self.folder])
+        for line in board:
+            if line.startswith(PROMPT):
+                self.command(line[len(PROMPT) :].encode())
+        done = support.run(["python3", "-c", "\n".join(program)], cwd=self.folder)
+        self.assertEqual(done.stdout.decode().splitlines(), printed, done.stderr)
 
 
 if __name__ == "__main__":

@@ -102,7 +102,7 @@ class OneShot(BoardRun):
     def test_exit(self):
         self.expect(commands("exit"), START + b"exit\r\n")
         self.expect(["--plain", *commands("exit")], b"")
-        message = b"virtual-board: 'l3 5' is after an 'exit' and was not run\n"
+        message = b"virtual-board: 'l3 5' follows an 'exit' and was not run\n"
         self.expect(["--plain", *commands("zz", "EXIT now", "l3 5", "zz")], plain(UNKNOWN), 3, message)
 
     def test_a_driver_that_fails_outweighs_a_refused_line(self):
@@ -205,7 +205,7 @@ class Init(BoardRun):
         self.assertEqual(run([BOARD, "-c", "zz", "--stay"], b"exit\n").returncode, 3)
 
     def test_exit_in_the_file(self):
-        message = b"virtual-board: 'l3 5' is after an 'exit' and was not run\n"
+        message = b"virtual-board: 'l3 5' follows an 'exit' and was not run\n"
         path = self.file(b"exit\nl3 5\n")
         self.expect(["--init", path], START + b"exit\r\n", 3, message, script=b"zz\n")
         self.expect(["--init", self.file(b"exit")], START + b"exit\r\n", script=b"zz\n")

@@ -61,11 +61,11 @@ BAD_OPTIONS = [
     (["--fault", "slow:l3"], ["slow:l3", "number of loads is missing"]),
     (["--fault", "slow:l3:"], ["slow:l3:", "''"]),
     (["--fault", "slow:l3:0"], ["'0'"]),
-    (["--fault", "slow:l3:5x"], ["'5x'"]),
+    (["--fault", "slow:l3:5x"], ["'5x'", "is not a number of loads"]),
     (["--fault", "slow:l3:99999999999"], ["'99999999999'", "4294967295"]),
     (["--capture", ""], ["--capture", "a file needs a name"]),
     (["--lan", "pcap:a,b,c"], ["--lan", "'pcap:a,b,c'"]),
-    (["--registers", "json"], ["'json'", "after '='"]),
+    (["--registers", "json"], ["'json'", "follows '='"]),
     (["--fault", "slow:l3:5:6"], ["'6'"]),
     (["--fault", "hang:l3:5"], ["'5'"]),
     (["--fault", "hang:l3", "busy:l3"], ["'busy:l3'"]),
@@ -262,25 +262,25 @@ class Chip(unittest.TestCase):
 
 
 class Complaints(unittest.TestCase):
-    """What standard error tells of accesses that software should not make."""
+    """What standard error says about accesses that software should not make."""
 
     PREFIX = "virtual-board: the chip complains: "
 
     def complaints(self, lines, *options, status=0):
         done = run([BOARD, *options], lines)
         self.assertEqual(done.returncode, status, done.stderr)
-        told = done.stderr.decode().splitlines()
-        self.assertEqual([line for line in told if not line.startswith(self.PREFIX)], [])
-        return [line.removeprefix(self.PREFIX) for line in told]
+        reported = done.stderr.decode().splitlines()
+        self.assertEqual([line for line in reported if not line.startswith(self.PREFIX)], [])
+        return [line.removeprefix(self.PREFIX) for line in reported]
 
     def test_come_once_each(self):
-        told = self.complaints(b"reg 1f00\nreg 1f01\nreg 1f00\n")
-        self.assertEqual(told, ["no register at 1f00", "no register at 1f01"])
+        reported = self.complaints(b"reg 1f00\nreg 1f01\nreg 1f00\n")
+        self.assertEqual(reported, ["no register at 1f00", "no register at 1f01"])
 
     def test_neighbours_are_one_range(self):
-        told = self.complaints(b"reg 1f00 2\nreg 1eff 4\nreg 1ff0 10\n")
+        reported = self.complaints(b"reg 1f00 2\nreg 1eff 4\nreg 1ff0 10\n")
         ranges = ["1f00-1f01", "1eff, 1f02", "1ff0-1fff"]
-        self.assertEqual(told, ["no register at " + text for text in ranges])
+        self.assertEqual(reported, ["no register at " + text for text in ranges])
 
     def test_whole_window(self):
         """The ranges are those that the register map leaves free, on few lines."""
@@ -290,10 +290,10 @@ class Complaints(unittest.TestCase):
             start = register["offset"]
             taken.update(range(start, start + register["width"] // 8 * register["count"]))
         free = [offset for offset in range(0x2000) if offset not in taken]
-        told = self.complaints(b"reg 0 2000\n")
-        self.assertLess(len(told), 10)
+        reported = self.complaints(b"reg 0 2000\n")
+        self.assertLess(len(reported), 10)
         named = []
-        for text in told:
+        for text in reported:
             self.assertTrue(text.startswith("no register at "), text)
             for part in text.removeprefix("no register at ").split(", "):
                 first, _, last = part.partition("-")
@@ -303,22 +303,25 @@ class Complaints(unittest.TestCase):
 
     def test_other_complaints_stay_in_order(self):
         """The first offset comes before what the same line does next."""
-        told = self.complaints(b"reg 0ff 4 = 1 2 3 4\n")
-        self.assertEqual(told, ["no register at 00ff", "store to read-only CHIP_REVISION at 0101",
-                                "store to read-only CHIP_MODEL at 0102"])
+        reported = self.complaints(b"reg 0ff 4 = 1 2 3 4\n")
+        self.assertEqual(
+            reported,
+            ["no register at 00ff", "store to read-only CHIP_REVISION at 0101",
+             "store to read-only CHIP_MODEL at 0102"],
+        )
 
     def test_come_between_the_answer_and_the_prompt(self):
         done = run(["sh", "-c", '"$0" 2>&1', BOARD], b"reg 1f00\n")
         answer = done.stdout.removeprefix(START + b"reg 1f00\r\n").removesuffix(PROMPT)
         self.assertTrue(answer.startswith(b"50001F00: 00"), answer)
-        told = self.PREFIX.encode() + b"no register at 1f00\n"
-        self.assertTrue(answer.endswith(b"\n\r" + told), answer)
+        reported = self.PREFIX.encode() + b"no register at 1f00\n"
+        self.assertTrue(answer.endswith(b"\n\r" + reported), answer)
 
     def test_come_before_an_early_end(self):
         for script in (b"reg 1f00\nexit\nzz\n", b"reg 1f00\nzz"):
             self.assertEqual(self.complaints(script), ["no register at 1f00"])
         with open("/dev/full", "wb") as full:
-            done = run([BOARD], b"reg 1f00\n", stdout=full)
+            done = run([BOARD, "-c", "reg 1f00"], b"", stdout=full)
         self.assertIn(b"no register at 1f00\n", done.stderr)
 
     def test_strict(self):

@@ -114,7 +114,7 @@ class Exchange(SocketTest):
         peer = self.connect(self.lan)
         octets = frames.frame(60)
         peer.send(octets)
-        message = f"virtual-board: unix:{self.lan}: cannot connect a program: Too many open files"
+        message = f"virtual-board: unix:{self.lan}: cannot accept a connection: Too many open files"
         errors = support.Screen(self, self.board.stderr.fileno())
         errors.shows(message.encode() + b"; trying again every second\n")
         used = self.processor_seconds()
@@ -123,7 +123,7 @@ class Exchange(SocketTest):
         self.limit_descriptors(before)
         self.screen.shows(frames.printed(0, octets))
         peer.close()
-        # The next one is served at once, and told of anew when it cannot be.
+        # The next one is served at once, and reported anew when it cannot be.
         peer = self.connect(self.lan)
         peer.send(octets)
         self.screen.shows(frames.printed(1, octets))
@@ -312,7 +312,7 @@ class Load(SocketTest):
             peer.send(arp_request(OWN_IP))
             peer.recv(4096)
             waits.append(time.monotonic() - begin)
-        # The quicker ones: on a busy machine the rest measure the machine.
+        # The quickest quarter: on a busy machine the rest measure the machine.
         self.assertLess(sorted(waits)[len(waits) // 4], 0.002)
 
 

@@ -1,5 +1,5 @@
-"""Readers that stand still. A signal ends the board all the same, with its state saved, wherever it
-waits for them."""
+"""Readers that stall. A signal ends the board nevertheless, with its state saved, wherever it waits
+for them."""
 
 import contextlib
 import fcntl
@@ -30,7 +30,7 @@ LATEST = 0.03
 # what the board then writes at once.
 SMALL_PIPE = 8192
 
-# Enough for the board to stand still, and less than the half second that it then gives readers.
+# Enough for the board to stall, and less than the half second that it then gives readers.
 MOMENT = 0.2
 
 ENTRY = b"arp 7 = 10.1.2.3 021122334455"
@@ -48,7 +48,7 @@ def fill(fd):
 
 
 class Stalled:
-    """A board that has run ENTRY, and whose output nobody reads from then on."""
+    """A board that has run ENTRY, and whose output is not read from then on."""
 
     LINES = 50 * b"help\nl3 0 40\n"
 
@@ -146,7 +146,7 @@ class Messages(Stalled):
 
 
 class IntoFifo(Stalled):
-    """Of a file that the board writes as it runs; the console has a reader for what it prints."""
+    """Into a file that the board writes as it runs; its console has a reader."""
 
     def options(self, fifo):
         raise NotImplementedError
@@ -226,7 +226,7 @@ class StalledTest(board.BoardTest):
         return self.path(str(self.paths))
 
     def full_fifo(self):
-        """A FIFO that takes nothing and has a reader, who stands still."""
+        """A FIFO that takes nothing and whose reader stalls."""
         fifo = self.new_path()
         os.mkfifo(fifo)
         both = os.open(fifo, os.O_RDWR)
@@ -259,11 +259,11 @@ class EndSignals(StalledTest):
                 if kind is OnTerminal:
                     self.assertEqual(stalled.terminal.settings(), stalled.before)
 
-    def test_whoever_stands_still(self):
+    def test_any_stalled_reader(self):
         for number, save, _ in itertools.product(SIGNALS, (False, True), range(ROUNDS)):
             self.end_all(number, save)
 
-    def test_several_stand_still(self):
+    def test_several_stalled_readers(self):
         """The state is saved although neither console, nor messages, nor the trace have readers."""
         trace, path = self.new_path(), self.new_path()
         os.mkfifo(trace)
@@ -287,14 +287,14 @@ class EndSignals(StalledTest):
         self.assertEqual(stalled.terminal.settings(), stalled.before)
         self.assertFalse(os.path.exists(self.path("saved")))
 
-    def test_nobody_reads_is_told(self):
+    def test_cut_file_is_reported(self):
         stalled = Trace(self)
         stalled.type(LISTINGS)
         time.sleep(MOMENT)
         stalled.process.send_signal(signal.SIGTERM)
         self.assertEqual(stalled.process.wait(support.DEADLINE), -signal.SIGTERM)
         message = f"virtual-board: cannot write the trace '{stalled.fifo}': "
-        message += "Interrupted system call; it ends here\n"
+        message += "Interrupted system call; the file ends here\n"
         self.assertEqual(stalled.process.stderr.read().decode(), message)
 
     def test_reader_that_goes_on_gets_everything(self):
@@ -318,7 +318,7 @@ class EndSignals(StalledTest):
 
 
 class OtherSignals(StalledTest):
-    """Nobody waits in a signal handler, not even for the rest of the trace."""
+    """A signal handler waits for no reader, not even for the rest of the trace."""
 
     SIGNALS = (signal.SIGQUIT, signal.SIGALRM, signal.SIGUSR1, signal.SIGSEGV)
 
@@ -343,7 +343,7 @@ class OtherSignals(StalledTest):
                     preexec_fn=support.die_quietly,
                 )
                 self.addCleanup(support.end, process)
-                self.assertIn(b"reads a word again", process.stderr.readline())
+                self.assertIn(b"keeps reading a word", process.stderr.readline())
                 process.send_signal(number)
                 self.assertEqual(process.wait(support.DEADLINE), -number)
 

@@ -299,7 +299,7 @@ VERSION1 = os.path.join(os.path.dirname(__file__), "..", "state", "version1")
 
 
 class Version1(StateTest):
-    """Files that were saved in the first version, each beside the commands that led to it."""
+    """Files that were saved in the first version, each with the commands that led to it."""
 
     def test_is_the_board_that_it_was(self):
         states = sorted(glob.glob(os.path.join(VERSION1, "*.json")))
@@ -357,26 +357,26 @@ EDITS = [
     (leave_out("/arp"), "/arp: is missing"),
     (change("/arp", []), "/arp: is not an object"),
     (change("/uart/fifos_on", 1), "/uart/fifos_on: is neither true nor false"),
-    (change("/uart/received", "4"), "/uart/received: is not a text of pairs of hexadecimal"),
-    (change("/uart/received", "4g"), "/uart/received: is not a text of pairs of hexadecimal"),
-    (change("/uart/received", 4), "/uart/received: is not a text of hexadecimal digits"),
+    (change("/uart/received", "4"), "/uart/received: is not a string of pairs of hexadecimal"),
+    (change("/uart/received", "4g"), "/uart/received: is not a string of pairs of hexadecimal"),
+    (change("/uart/received", 4), "/uart/received: is not a string of hexadecimal digits"),
     (change("/uart/surprise", 1), "/uart/surprise: has no meaning here"),
     (change("/a~b", 1), "/a~0b: has no meaning here"),
     (change("/sur\x1b[2Jprise", 1), "/sur?[2Jprise: has no meaning here"),
     *((change("/l3/entries/05/ip", text), "/l3/entries/05/ip: is not an IP address")
       for text in ("10.1.2", "10.1.2.0.", "10.1.2.256", "10.1.2.-1", "10.1.02.0", "10.1.2.0 ", "",
                    "a.1.2.0", "0a010200", "10.1..0")),
-    (change("/l3/entries/05/ip", 5), "/l3/entries/05/ip: is not a text"),
+    (change("/l3/entries/05/ip", 5), "/l3/entries/05/ip: is not a string"),
     *((change("/arp/entries/07/mac", text), "/arp/entries/07/mac: is not a MAC address")
       for text in ("021122334455", "02:11:22:33:44", "02:11:22:33:44:5", "02-11-22-33-44-55",
                    "02:11:22:33:44:5g", "02:11:22:33:44:55:66", "02:11:22:33:44-55", "")),
     *((change("/l3/entries/05/port", text), "/l3/entries/05/port: is not a list of wan, lan, dmz")
       for text in ("eth0", "lan lan", "lan ", " lan", "lan,wan", "LAN")),
-    (change("/pxt/entries/01/port", "wan"), "/pxt/entries/01/port: is none of the words for it"),
-    (change("/pst/entries/02/session", "123"), "/session: is not a text of 4 hexadecimal digits"),
-    (change("/pst/entries/02/session", "123g"), "/session: is not a text of 4 hexadecimal digits"),
-    (change("/pst/entries/02/session", "-123"), "/session: is not a text of 4 hexadecimal digits"),
-    (change("/classifier/entries/46/interfaces", 1), "/interfaces: is not a text"),
+    (change("/pxt/entries/01/port", "wan"), "/pxt/entries/01/port: is not one of its possible"),
+    (change("/pst/entries/02/session", "123"), "/session: is not a string of 4 hexadecimal"),
+    (change("/pst/entries/02/session", "123g"), "/session: is not a string of 4 hexadecimal"),
+    (change("/pst/entries/02/session", "-123"), "/session: is not a string of 4 hexadecimal"),
+    (change("/classifier/entries/46/interfaces", 1), "/interfaces: is not a string"),
     (change("/classifier/entries/46/flags3_rest", "04"), "flags3_rest: has bits set that do not"),
     (change("/nat/main/10/age", 65536), "/nat/main/10/age: is above 65535"),
     (change("/l3/entries/05/counter", -1), "/l3/entries/05/counter: is not a number"),
@@ -392,20 +392,20 @@ EDITS = [
     (change("/registers/L3_IP", "0a010200"), "/registers/L3_IP: is not an IP address"),
     (change("/registers/CPU_MAC", "00"), "/registers/CPU_MAC: is not a MAC address"),
     (change("/registers/L3_COUNTER", "00"), "/registers/L3_COUNTER: has 1 bytes, not 4"),
-    (change("/note", 1), "/note: is not a text"),
+    (change("/note", 1), "/note: is not a string"),
     (change("/no_register/0600", "00"), "/no_register/0600: has no meaning here"),
     (change("/stat_counters/wan/SC_FRMSNDFAIL", 256), "SC_FRMSNDFAIL: is above 255"),
     (change("/monitor/receive_mode", 2), "/monitor/receive_mode: is not a receive mode"),
     (change("/monitor/transmit_cursor", 17), "/monitor/transmit_cursor: is above 16"),
     (change("/monitor/transmit_cursor", 0), "/monitor/transmit_cursor: is below 1"),
-    (change("/frames/pool", ""), "/frames/pool: buffer 12 is nowhere"),
-    (change("/frames/pool", "05"), "/frames/pool: buffer 05 is no receive buffer"),
-    (change("/frames/pool", "2020"), "/frames/pool: buffer 20 is there twice"),
-    (change("/frames/held", "101103"), "/frames/held: buffer 03 is no receive buffer"),
+    (change("/frames/pool", ""), "/frames/pool: buffer 12 is missing"),
+    (change("/frames/pool", "05"), "/frames/pool: buffer 05 is not a receive buffer"),
+    (change("/frames/pool", "2020"), "/frames/pool: buffer 20 is listed twice"),
+    (change("/frames/held", "101103"), "/frames/held: buffer 03 is not a receive buffer"),
     (change("/frames/held", "101120"), "/frames/held: buffer 20 is in the pool too"),
-    (change("/frames/held", "101110"), "/frames/held: buffer 10 is there twice"),
+    (change("/frames/held", "101110"), "/frames/held: buffer 10 is listed twice"),
     (change("/frames/held", "11"), "/frames/received: buffer 10 is not held"),
-    (change("/frames/received", "1010"), "/frames/received: buffer 10 is there twice"),
+    (change("/frames/received", "1010"), "/frames/received: buffer 10 is listed twice"),
     (change("/frames/queues/lan", {}), "/frames/queues/lan: is not a list"),
     (change("/frames/queues/lan", [1]), "/frames/queues/lan/0: is not an object"),
     (change("/frames/queues/lan", [{"handle": "01"}]), "/frames/queues/lan/0/length: is missing"),
@@ -426,8 +426,8 @@ VERSION1_EDITS = [
     (change("/arp/entries/07", 7), "/arp/entries/07: is not an object"),
     (leave_out("/arp/entries/07/mac"), "/arp/entries/07/mac: is missing"),
     (change("/arp/entries/07/more", 1), "/arp/entries/07: has members that have no meaning here"),
-    (change("/arp/entries/07/mac", "0211"), "/arp/entries/07/mac: is not a text of 12 hexadecimal"),
-    (change("/arp/entries/07/mac", "02112233445g"), "/arp/entries/07/mac: is not a text of 12"),
+    (change("/arp/entries/07/mac", "0211"), "/arp/entries/07/mac: is not a string of 12"),
+    (change("/arp/entries/07/mac", "02112233445g"), "/arp/entries/07/mac: is not a string of 12"),
     (change("/arp/entries/07/valid", 1), "/arp/entries/07/valid: is neither true nor false"),
     (change("/l3/entries/05/counter", 2**32), "/l3/entries/05/counter: is too large"),
     (leave_out("/nat/main/10/valid"), "/nat/main/10/valid: is missing"),
@@ -513,8 +513,8 @@ class Damaged(StateTest):
         """Refused within a second and 100 MB, whatever the file would grow to in memory."""
         shapes = {
             b"[" * 2**24: "longer than any state",
-            b"[" * 2**22: "parse error at line 1, column 17: deeper than any state",
-            b'{"a":' * 2**19: "parse error at line 1, column 81: deeper than any state",
+            b"[" * 2**22: "parse error at line 1, column 17: nested deeper than any state",
+            b'{"a":' * 2**19: "parse error at line 1, column 81: nested deeper than any state",
             b"[" + b"[],\n" * (2**20 - 1): "parse error at line 50000, column 3: more values than",
             b"[" + b"1," * (2**21 - 1): "parse error at line 1, column 200001: more values than",
             b"{" + b"".join(b'"%x":0,' % i for i in range(2**18)): "more values than any state has",
@@ -618,7 +618,7 @@ class Saving(StateTest):
         self.save(b"l3 5\n")
         self.assertEqual(stat.S_IMODE(os.stat(self.path("saved")).st_mode), 0o755)
 
-    @unittest.skipUnless(os.geteuid() == 0, "only root saves over somebody else's file")
+    @unittest.skipUnless(os.geteuid() == 0, "only root can save over another user's file")
     def test_owner_stays(self):
         self.save(b"")
         os.chown(self.path("saved"), 1234, 4321)
@@ -630,7 +630,7 @@ class Saving(StateTest):
 
     @unittest.skipUnless(os.geteuid() == 0, "only root can play two users")
     def test_group_stays_where_the_owner_cannot(self):
-        """Somebody else saves, who is in the file's group."""
+        """Another user saves, who is in the file's group."""
         os.chmod(self.folder, 0o777)
         self.save(b"")
         os.chown(self.path("saved"), 1234, 4321)

@@ -18,8 +18,8 @@ import kernel_memory
 import support
 from typed_sessions import Board, Monitor, Terminal, Wait, in_groups
 
-# What calls fail with; all others with EIO. The break that the kernel answers tells of a failure.
-# An ioctl that fails with EIO tells that the terminal has hung up.
+# What calls fail with; all others with EIO. The break that the kernel answers shows a failure.
+# An ioctl that fails with EIO means that the terminal has hung up.
 ERRORS = {
     "clock_nanosleep": "EINTR",
     "epoll_create1": "EMFILE",

@@ -14,7 +14,7 @@ from support import PROMPT, START
 
 
 # A shell that stops its foreground job, takes the terminal back, and lets the job go on in the
-# background, until its end. Nobody is stopped for setting a terminal that is not his.
+# background, until its end. No process is stopped for setting a terminal from the background.
 SHELL = """
 import os, signal, sys, termios, time
 signal.signal(signal.SIGTTOU, signal.SIG_IGN)
@@ -111,7 +111,7 @@ class Restored(TerminalTest):
         self.assertEqual(self.terminal.settings(), mode)
 
     def test_mode_stays_in_the_background(self):
-        """Whoever has the terminal by then sets it."""
+        """By then it is another program that sets it."""
         self.terminal.start([sys.executable, "-c", SHELL, support.program("VIRTUAL_BOARD")])
         self.assertEqual(self.terminal.status(), 0)
         self.expect_restored()

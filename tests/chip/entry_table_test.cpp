@@ -1,4 +1,4 @@
-// What a table tells of its entries: a number that changes when lookups may go another way.
+// The generation of a table: a number that changes whenever a lookup may have another result.
 #include <gtest/gtest.h>
 
 #include "chip/router_chip.h"

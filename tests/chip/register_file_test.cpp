@@ -322,7 +322,7 @@ TEST_F(Registers, ComplaintsAreCountedAndAnnouncedOnce) {
   EXPECT_EQ(announced, (std::vector<std::string>{"a", "b", "a"}));
 }
 
-TEST_F(Registers, OffsetsOfNobodyAreAnnouncedOnceByThemselves) {
+TEST_F(Registers, UnmappedOffsetsAreAnnouncedOnceByThemselves) {
   std::vector<std::uint32_t> announced;
   file_.on_unmapped = [&](std::uint32_t offset) { announced.push_back(offset); };
   file_.on_complaint = [](const std::string& text) { FAIL() << text; };

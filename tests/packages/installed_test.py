@@ -15,12 +15,15 @@ import unittest
 TOP = pathlib.Path(__file__).resolve().parents[2]
 sys.path.insert(0, str(TOP / "tests" / "blackbox"))
 # pylint: disable=wrong-import-position
+import document_links
 import kernel_memory
 import support
 
 PACKAGES = support.program("PACKAGES")
 ROOT = support.program("ROOT")
 NATIVE = subprocess.check_output(["dpkg", "--print-architecture"], text=True).strip()
+
+OURS = ("debug-monitor", "virtual-board", "debug-monitor-doc")
 
 # What the machine keeps when packages come and go.
 BOOKS = ("dev", "proc", "var/cache", "var/lib/apt", "var/lib/dpkg", "var/log")
@@ -64,14 +67,14 @@ def package(name, architecture):
     return path
 
 
-def install():
-    """Installs both packages as a user does, with what they depend on."""
+def install(*names):
+    """Installs packages of ours as a user does, with what they depend on."""
     folder = tempfile.mkdtemp(dir=os.path.join(ROOT, "tmp"))
-    for name in ("debug-monitor", "virtual-board"):
-        shutil.copy(package(name, NATIVE), folder)
+    for name in names:
+        shutil.copy(package(name, "all" if name.endswith("-doc") else NATIVE), folder)
     os.chmod(folder, 0o755)
-    names = [os.path.join("/tmp", os.path.basename(folder), name) for name in os.listdir(folder)]
-    do("apt-get", "-q", "-y", "--no-install-recommends", "install", *names)
+    paths = [os.path.join("/tmp", os.path.basename(folder), name) for name in os.listdir(folder)]
+    do("apt-get", "-q", "-y", "--no-install-recommends", "install", *paths)
     shutil.rmtree(folder)
 
 
@@ -97,11 +100,45 @@ def setUpModule():
     do("apt-get", "-q", "update")
 
 
-class Installed(unittest.TestCase):
+class BoardAlone(unittest.TestCase):
+    """What somebody has who installs virtual-board only, with what it depends on."""
+
     @classmethod
     def setUpClass(cls):
         cls.before = files()
-        install()
+        install("virtual-board", "debug-monitor-doc")
+
+    def test_it_depends_on_the_documentation(self):
+        depends = subprocess.check_output(
+            ["dpkg-deb", "-f", package("virtual-board", NATIVE), "Depends"], text=True)
+        self.assertIn("debug-monitor-doc (= ", depends)
+
+    def test_the_monitor_for_the_real_chip_is_not_installed(self):
+        self.assertEqual(glob.glob(f"{ROOT}/usr/sbin/debug-monitor*"), [])
+
+    def test_manual_pages_are_found(self):
+        for page in (TOP / "packaging" / "man").iterdir():
+            with self.subTest(page.name):
+                name, section = page.name.rsplit(".", 1)
+                path = f"/usr/share/man/man{section}/{page.name}.gz\n"
+                self.assertEqual(do("man", "-w", section, name).decode(), path)
+                self.assertNotEqual(do("man", section, name), b"")
+        self.assertNotEqual(do("man", "8", "debug-monitor-console"), b"")
+
+    def test_documents_and_examples_are_whole(self):
+        folder = pathlib.Path(ROOT, "usr/share/doc/debug-monitor")
+        for name in ("README.md", "docs", "examples"):
+            self.assertTrue((folder / name).exists(), name)
+        self.assertEqual(document_links.broken(folder), [])
+        for example in (TOP / "examples").rglob("*.*"):
+            installed = folder / example.relative_to(TOP)
+            self.assertEqual(installed.read_bytes(), example.read_bytes())
+
+
+class Installed(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        install("debug-monitor")
         cls.memory = os.path.join(ROOT, "dev", "kmem")
         with open(cls.memory, "wb") as memory:
             memory.truncate(kernel_memory.WINDOW + kernel_memory.WINDOW_SIZE)
@@ -133,18 +170,6 @@ class Installed(unittest.TestCase):
             memory.seek(kernel_memory.WINDOW + 0x605)
             self.assertEqual(memory.read(1), b"\x5a")
 
-    def test_manual_pages_are_found(self):
-        pages = [path.name for path in (TOP / "packaging" / "man").glob("*.*")]
-        if not pages:
-            self.skipTest("there are no manual pages")
-        for page in pages:
-            with self.subTest(page):
-                name, section = page.rsplit(".", 1)
-                path = f"/usr/share/man/man{section}/{page}.gz\n"
-                self.assertEqual(do("man", "-w", section, name).decode(), path)
-                self.assertNotEqual(do("man", section, name), b"")
-        self.assertNotEqual(do("man", "8", "debug-monitor-console"), b"")
-
     def test_bash_finds_the_completion(self):
         script = (". /usr/share/bash-completion/bash_completion; "
                   "_completion_loader virtual-board; complete -p virtual-board")
@@ -154,11 +179,10 @@ class Installed(unittest.TestCase):
 
 class Removed(unittest.TestCase):
     def test_nothing_is_left(self):
-        do("apt-get", "-q", "-y", "purge", "--auto-remove", "debug-monitor", "virtual-board")
-        self.assertEqual(files(), Installed.before)
+        do("apt-get", "-q", "-y", "purge", "--auto-remove", *OURS)
+        self.assertEqual(files(), BoardAlone.before)
         known = do("dpkg-query", "-W", "-f", "${Package}\n").decode().split()
-        self.assertNotIn("debug-monitor", known)
-        self.assertNotIn("virtual-board", known)
+        self.assertFalse(set(OURS) & set(known))
 
 
 class BlackBox(unittest.TestCase):
@@ -168,7 +192,7 @@ class BlackBox(unittest.TestCase):
     def test_on_the_installed_programs(self):
         tools = support.program("TOOLS").split()
         do("apt-get", "-q", "-y", "--no-install-recommends", "install", *tools)
-        install()
+        install(*OURS)
         seen = os.path.join(ROOT, str(TOP)[1:])
         os.makedirs(seen)
         mount("--bind", str(TOP), seen)
@@ -236,7 +260,7 @@ class OtherMachines(kernel_memory.KernelMemoryTest):
 
 def load_tests(loader, _tests, _pattern):
     """In this order, as each begins with the system that the one before leaves."""
-    cases = (Installed, Removed, BlackBox, OtherMachines)
+    cases = (BoardAlone, Installed, Removed, BlackBox, OtherMachines)
     return unittest.TestSuite(loader.loadTestsFromTestCase(case) for case in cases)
 
 

@@ -36,7 +36,7 @@ void PressCtrlCInWaits(bool pressed);
 /// How often the monitor has looked for a Ctrl-C since the last call.
 [[nodiscard]] unsigned TakeLooks();
 
-/// What the wait was for in which the monitor has last looked.
+/// What the monitor was waiting for when it last looked.
 [[nodiscard]] const monitor::Awaited& LastAwaited();
 
 /// How often the monitor has flushed the console since the last call.

@@ -1,4 +1,4 @@
-// Who has which frame buffer, without registers.
+// The bookkeeping of frame buffers, without registers.
 #include "chip/mac/buffer_pool.h"
 
 #include <gtest/gtest.h>
@@ -14,7 +14,7 @@ TEST(BufferPool, AtFirstHasTheReceiveBuffersInOrder) {
   EXPECT_EQ(pool.Free(), 0U);
 }
 
-TEST(BufferPool, ABufferReturnsToItsEndWhenNobodyHasIt) {
+TEST(BufferPool, ABufferReturnsToItsEndAfterItsLastUse) {
   BufferPool pool;
   EXPECT_EQ(pool.Take(), 16);
   pool.Hold(16);

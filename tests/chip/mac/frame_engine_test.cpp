@@ -1,4 +1,4 @@
-// The way of frames through the model, by raw loads and stores.
+// The path of frames through the model, by raw loads and stores.
 #include "support/frames.h"
 
 namespace chip {
@@ -15,7 +15,7 @@ TEST_F(FrameEngineModel, AtPowerOnEveryEngineIsDoneAndNoFrameWaits) {
   EXPECT_EQ(chip_.frames.pool.Free(), 240U);
 }
 
-TEST_F(FrameEngineModel, ATransmissionLeavesAtTheSecondLoadBehindTheStart) {
+TEST_F(FrameEngineModel, ATransmissionLeavesAtTheSecondLoadAfterTheStart) {
   chip_.frames.memory.Store(0x01002800, 2, 3);
   chip_.frames.memory.Store(0x01002820, 1, 0x11);
   chip_.frames.memory.Store(0x01002821, 1, 0x22);
