@@ -4,25 +4,12 @@
 
 #include <cstdint>
 #include <functional>
-#include <string>
 
+#include "chip/operation.h"
 #include "chip/register_file.h"
 #include "core/engine_fields.h"
 
 namespace chip {
-
-/// What an engine does instead of working, so that failures can be tested.
-struct Fault {
-  enum class Kind : std::uint8_t {
-    kNone,
-    kHang,  ///< Operations never complete.
-    kBusy,  ///< The ready bits read as 0.
-    kSlow,  ///< An operation takes `loads` loads of the command byte, at least one.
-    kFail,  ///< Operations complete without effect; a result bit says so where there is one.
-  };
-  Kind kind = Kind::kNone;
-  unsigned loads = 0;
-};
 
 /// Where an engine's bits lie in its command byte.
 struct EngineBits {
@@ -49,17 +36,17 @@ inline constexpr EngineBits kTableEngineBits = BitsOf({});
 /// A store with the start bit begins an operation and clears the done bits that it writes as 0;
 /// a store without it leaves done and result bits alone. The operation takes effect, and its done
 /// bit rises, at the second load of the command byte after the start.
-class Engine {
+class Engine : public FaultPoint {
  public:
   /// Carries out an operation: `command` is the byte as the start stored it. False means that
   /// the operation failed (for the result bit).
-  using Operation = std::function<bool(std::uint8_t command)>;
+  using Work = std::function<bool(std::uint8_t command)>;
 
-  Engine(RegisterFile& registers, std::string name, monitor::Reg8 command, EngineBits bits,
-         Operation operation);
+  Engine(RegisterFile& registers, const char* name, monitor::Reg8 command, EngineBits bits,
+         Work work);
 
-  [[nodiscard]] const std::string& Name() const { return name_; }
-  void SetFault(Fault fault);
+  [[nodiscard]] const char* Name() const override { return name_; }
+  void SetFault(const Fault& fault) override;
   void Reset();
   void State(StateArchive& archive);
 
@@ -72,7 +59,7 @@ class Engine {
  private:
   [[nodiscard]] std::uint8_t DoneBit() const;
   /// Loads of the command byte are worth a call only while an operation is running.
-  void SetLoadsLeft(unsigned loads);
+  void WatchLoads() { registers_.CallBeforeLoad(command_, operation_.Running()); }
   void BeforeLoad();
   void AfterStore(std::uint8_t stored);
   void Start(std::uint8_t command);
@@ -82,17 +69,16 @@ class Engine {
   void Publish(std::uint8_t command);
 
   RegisterFile& registers_;
-  std::string name_;
+  const char* name_;
   monitor::Reg8 command_;
   EngineBits bits_;
   std::uint8_t done_bits_;
   std::uint8_t status_bits_;  ///< Done and result bits.
-  Operation operation_;
-  Fault fault_;
+  Work work_;
 
   std::uint8_t status_;
   std::uint8_t started_ = 0;  ///< The command byte of the running operation.
-  unsigned loads_left_ = 0;   ///< Loads until the running operation is over; 0 when idle.
+  Operation operation_;
 };
 
 }  // namespace chip

@@ -4,6 +4,7 @@
 
 #include <utility>
 
+#include "chip/block.h"
 #include "chip/engine.h"
 #include "chip/entry_table.h"
 
@@ -31,7 +32,8 @@ struct SharedIndex : SeparateIndex {
 
 template <typename Facts>
 class IndexedTable : public EntryTable<typename Facts::Entry,
-                                       1U << (Facts::kIndexBits.high - Facts::kIndexBits.low + 1)> {
+                                       1U << (Facts::kIndexBits.high - Facts::kIndexBits.low + 1)>,
+                     public Block {
  public:
   using Map = decltype(std::declval<RegisterFile>().Get(Facts::kMap));
 
@@ -49,7 +51,9 @@ class IndexedTable : public EntryTable<typename Facts::Entry,
   IndexedTable(const IndexedTable&) = delete;
   IndexedTable& operator=(const IndexedTable&) = delete;
 
-  void Reset() {
+  [[nodiscard]] const char* Name() const override { return Facts::kName; }
+
+  void Reset() override {
     this->Clear();
     map.fill(0);
     stored_ = {};
@@ -62,7 +66,7 @@ class IndexedTable : public EntryTable<typename Facts::Entry,
     if (byte < map.size()) map[byte] |= static_cast<std::uint8_t>(1U << (index & 7));
   }
 
-  void State(StateArchive& archive) {
+  void State(StateArchive& archive) override {
     EntryTable<typename Facts::Entry, IndexedTable::kSlots>::State(archive, "entries");
     if constexpr (kMapped) archive.Bytes(Facts::kMapName, map);
     if constexpr (!Facts::kSharesRegister) {
@@ -74,6 +78,8 @@ class IndexedTable : public EntryTable<typename Facts::Entry,
     }
     engine.State(archive);
   }
+
+  [[nodiscard]] std::vector<FaultPoint*> FaultPoints() override { return {&engine}; }
 
   /// Overflow or reference bits, highest entry first, as their registers show them.
   Map map{};

@@ -1,5 +1,7 @@
 #include "chip/router_chip.h"
 
+#include <algorithm>
+
 #include "chip/mac/forward_control.h"
 #include "chip/mac/port_config.h"
 #include "chip/mac/station_address.h"
@@ -21,78 +23,71 @@ RouterChip::RouterChip() {
 }
 
 void RouterChip::Reset() {
+  // What blocks share; the others find it reset.
   registers.Reset();
-  reset.Reset();
-  timers.Reset();
-  gpio.Reset();
-  uart.Reset();
-  mii.Reset();
-  stat_counters.Reset();
   interrupts.Reset();
-  frames.Reset();
-  nat.Reset();
-  l3.Reset();
-  mcast.Reset();
-  arp.Reset();
-  classifier.Reset();
-  pst.Reset();
-  pdr.Reset();
-  pxt.Reset();
+  for (Block* block : blocks) block->Reset();
 }
 
 void RouterChip::State(StateArchive& archive) {
   // What the registers show of a block follows the block, so they come first.
   registers.State(archive);
-  archive.Group("reset", [&] { reset.State(archive); });
-  archive.Group("timers", [&] { timers.State(archive); });
-  archive.Group("gpio", [&] { gpio.State(archive); });
-  archive.Group("uart", [&] { uart.State(archive); });
-  archive.Group("mii", [&] { mii.State(archive); });
-  archive.Group("stat_counters", [&] { stat_counters.State(archive); });
-  archive.Group("frames", [&] { frames.State(archive); });
-  archive.Group("nat", [&] { nat.State(archive); });
-  archive.Group("l3", [&] { l3.State(archive); });
-  archive.Group("mcast", [&] { mcast.State(archive); });
-  archive.Group("arp", [&] { arp.State(archive); });
-  archive.Group("classifier", [&] { classifier.State(archive); });
-  archive.Group("pst", [&] { pst.State(archive); });
-  archive.Group("pdr", [&] { pdr.State(archive); });
-  archive.Group("pxt", [&] { pxt.State(archive); });
-}
-
-std::vector<Engine*> RouterChip::Engines() {
-  return {
-      &stat_counters.engine, &frames.transmit, &frames.cpu.status, &frames.cpu.release,
-      &nat.engine,           &l3.engine,       &mcast.engine,      &arp.engine,
-      &classifier.engine,    &pst.engine,      &pdr.engine,        &pxt.engine,
-  };
-}
-
-Engine* RouterChip::FindEngine(const std::string& name) {
-  for (Engine* engine : Engines()) {
-    if (engine->Name() == name) return engine;
+  for (Block* block : blocks) {
+    archive.Group(block->Name(), [&] { block->State(archive); });
   }
-  return nullptr;
+}
+
+std::vector<FaultPoint*> RouterChip::FaultPoints() {
+  std::vector<FaultPoint*> all;
+  for (Block* block : blocks) {
+    const std::vector<FaultPoint*> points = block->FaultPoints();
+    all.insert(all.end(), points.begin(), points.end());
+  }
+  return all;
 }
 
 std::vector<std::string> RouterChip::FaultNames() {
-  std::vector<std::string> names{"reset", "mii"};
-  for (const Engine* engine : Engines()) names.push_back(engine->Name());
+  std::vector<std::string> names;
+  for (const FaultPoint* point : FaultPoints()) names.emplace_back(point->Name());
   return names;
 }
 
-bool RouterChip::SetFault(const std::string& name, Fault fault) {
-  if (name == "reset") {
-    reset.SetFault(fault);
+bool RouterChip::SetFault(const std::string& name, const Fault& fault) {
+  for (FaultPoint* point : FaultPoints()) {
+    if (point->Name() != name) continue;
+    point->SetFault(fault);
     return true;
   }
-  if (name == "mii") {
-    mii.SetFault(fault);
-    return true;
+  return false;
+}
+
+void RouterChip::Advance(std::uint64_t now) {
+  for (Block* block = NextToAct(); block != nullptr; block = NextToAct()) {
+    const std::uint64_t deadline = *block->NextDeadline();
+    if (deadline > now) break;
+    reached_ = std::max(reached_, deadline);
+    block->Act(reached_);
   }
-  Engine* const engine = FindEngine(name);
-  if (engine != nullptr) engine->SetFault(fault);
-  return engine != nullptr;
+  reached_ = std::max(reached_, now);
+}
+
+std::optional<std::uint64_t> RouterChip::NextDeadline() const {
+  const Block* const block = NextToAct();
+  return block != nullptr ? block->NextDeadline() : std::nullopt;
+}
+
+std::uint64_t RouterChip::Now() const { return clock ? std::max(clock(), reached_) : reached_; }
+
+Block* RouterChip::NextToAct() const {
+  Block* next = nullptr;
+  std::uint64_t earliest = 0;
+  for (Block* block : blocks) {
+    const std::optional<std::uint64_t> deadline = block->NextDeadline();
+    if (!deadline || (next != nullptr && *deadline >= earliest)) continue;
+    next = block;
+    earliest = *deadline;
+  }
+  return next;
 }
 
 }  // namespace chip

@@ -40,12 +40,12 @@ class Input {
   std::span<const std::uint8_t> rest_;
 };
 
-/// Makes one of the engines fail as the next two bytes say.
+/// Makes one of the fault points fail as the next two bytes say.
 inline void SetFault(chip::RouterChip& chip, Input& input) {
-  const auto engines = chip.Engines();
-  chip::Engine* const engine = engines[input.Byte() % engines.size()];
+  const auto points = chip.FaultPoints();
+  chip::FaultPoint* const point = points[input.Byte() % points.size()];
   const std::uint8_t kind = input.Byte();
-  engine->SetFault({.kind = static_cast<chip::Fault::Kind>(kind % 5), .loads = kind / 5U + 1});
+  point->SetFault({.kind = static_cast<chip::Fault::Kind>(kind % 5), .loads = kind / 5U + 1});
 }
 
 }  // namespace fuzz

@@ -26,9 +26,10 @@
 #include "tables/nat_config.h"
 
 namespace monitor {
+namespace {
 
 // clang-format off
-const std::array<CommandEntry, kCommandRows> CommandTable{{
+constexpr CommandEntry kRows[] = {
     {"help", "", Help},
     {"help", "<command>", Help},
     {"reg", "<reg> [<bytes>]", RegCommand},
@@ -140,7 +141,11 @@ const std::array<CommandEntry, kCommandRows> CommandTable{{
     {"ctrl", "ppp [proxy|routing|ip]", ControlCommand},
     {"ctrl", "mtu [<mtu>]", ControlCommand},
     {"exit", "", nullptr},
-}};
+};
 // clang-format on
+
+}  // namespace
+
+constinit const std::span<const CommandEntry> CommandTable = kRows;
 
 }  // namespace monitor

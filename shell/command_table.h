@@ -1,6 +1,6 @@
 #pragma once
 
-#include <array>
+#include <span>
 
 #include "console/command.h"
 
@@ -13,8 +13,7 @@ struct CommandEntry {
   CommandHandler handler;  ///< None on the `exit` row only.
 };
 
-inline constexpr int kCommandRows = 111;
-extern const std::array<CommandEntry, kCommandRows> CommandTable;
+extern const std::span<const CommandEntry> CommandTable;
 
 /// 0 when the typed word is the table name in any case, otherwise -1. Converts the typed word to
 /// lower case in place, as far as the comparison went.

@@ -37,6 +37,8 @@ class Classifier : public IndexedTable<ClassifierFacts> {
   explicit Classifier(RegisterFile& registers) : IndexedTable(registers) {
     registers.Define(monitor::kClsHead);
   }
+
+  [[nodiscard]] const char* Name() const override { return "classifier"; }
 };
 
 }  // namespace chip

@@ -31,7 +31,7 @@ FrameEngine::FrameEngine(RegisterFile& registers, InterruptController& interrupt
       statistics_(counters) {
   registers.Define(kTransmitHandle);
   registers.Define(kTransmitControl);
-  Reset();
+  FrameEngine::Reset();
 }
 
 void FrameEngine::Reset() {

@@ -5,6 +5,7 @@
 #include <functional>
 #include <span>
 
+#include "chip/block.h"
 #include "chip/engine.h"
 #include "chip/mac/buffer_pool.h"
 #include "chip/mac/cpu_port.h"
@@ -16,14 +17,18 @@
 
 namespace chip {
 
-class FrameEngine {
+class FrameEngine : public Block {
  public:
   FrameEngine(RegisterFile& registers, InterruptController& interrupts, StatCounters& counters);
   FrameEngine(const FrameEngine&) = delete;
   FrameEngine& operator=(const FrameEngine&) = delete;
 
-  void Reset();
-  void State(StateArchive& archive);
+  [[nodiscard]] const char* Name() const override { return "frames"; }
+  void Reset() override;
+  void State(StateArchive& archive) override;
+  [[nodiscard]] std::vector<FaultPoint*> FaultPoints() override {
+    return {&transmit, &cpu.status, &cpu.release};
+  }
 
   /// A frame, without its FCS, arrives at a port from outside (at the CPU port: from the CPU
   /// itself). False when it is lost: the port is down or looped back, the frame too long, no buffer

@@ -4,12 +4,13 @@
 
 #include <array>
 
+#include "chip/block.h"
 #include "chip/engine.h"
 #include "chip/per_mac_port.h"
 
 namespace chip {
 
-class StatCounters {
+class StatCounters : public Block {
  public:
   static constexpr unsigned kCounters = 28;
 
@@ -17,8 +18,10 @@ class StatCounters {
   StatCounters(const StatCounters&) = delete;
   StatCounters& operator=(const StatCounters&) = delete;
 
-  void Reset();
-  void State(StateArchive& archive);
+  [[nodiscard]] const char* Name() const override { return "stat_counters"; }
+  void Reset() override;
+  void State(StateArchive& archive) override;
+  [[nodiscard]] std::vector<FaultPoint*> FaultPoints() override { return {&engine}; }
 
   /// Adds `amount` to a counter of a port with a MAC. A counter that passes the end of its
   /// width starts again at 0 and raises its overflow bit.

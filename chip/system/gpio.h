@@ -2,23 +2,26 @@
 // outside, and edges on inputs raise status bits.
 #pragma once
 
+#include "chip/block.h"
 #include "chip/register_file.h"
 
 namespace chip {
 
-class Gpio {
+class Gpio : public Block {
  public:
   explicit Gpio(RegisterFile& registers);
   Gpio(const Gpio&) = delete;
   Gpio& operator=(const Gpio&) = delete;
 
+  [[nodiscard]] const char* Name() const override { return "gpio"; }
+
+  /// Leaves the levels from outside as they are.
+  void Reset() override;
+  void State(StateArchive& archive) override;
+
   /// Drives the pins from outside, one bit a pin, until the next call. Pins that are outputs do
   /// not show it.
   void SetInputs(std::uint8_t levels);
-
-  /// Leaves the levels from outside as they are.
-  void Reset();
-  void State(StateArchive& archive);
 
  private:
   void ShowPins();

@@ -15,7 +15,7 @@ constexpr auto kValid = kMiiReadValid.Mask<std::uint16_t>();
 
 }  // namespace
 
-MiiInterface::MiiInterface(RegisterFile& registers) : registers_(registers) {
+MiiInterface::MiiInterface(RegisterFile& registers) : registers_(registers), access_(kUsualLoads) {
   registers.Define(kMiiCommand, {.reset = kReady,
                                  .read_only = kReady | kValid,
                                  .before_load = [this] { BeforeLoad(); },
@@ -30,7 +30,7 @@ MiiInterface::MiiInterface(RegisterFile& registers) : registers_(registers) {
 void MiiInterface::Reset() {
   for (Phy& phy : phys_) phy.Reset();
   started_ = 0;
-  loads_left_ = 0;
+  access_.Abandon();
   read_valid_ = false;
   Publish();
 }
@@ -45,23 +45,23 @@ Phy* MiiInterface::FindPhy(unsigned address) {
 void MiiInterface::SetLink(PortId port, bool up) { phys_[port].SetLink(up); }
 
 void MiiInterface::BeforeLoad() {
-  if (loads_left_ != 0 && fault_.kind != Fault::Kind::kHang && --loads_left_ == 0) Complete();
+  if (access_.CountLoad()) Complete();
   Publish();
 }
 
 void MiiInterface::AfterStore(std::uint16_t stored) {
   if (kMiiStart.Get(stored) != 0) {
-    if (loads_left_ != 0) registers_.Complain("mii access started while busy");
+    if (access_.Running()) registers_.Complain("mii access started while busy");
     // A byte store that starts an access finds the PHY in the other byte.
     started_ = registers_.Get(kMiiCommand);
     read_valid_ = false;
-    loads_left_ = fault_.kind == Fault::Kind::kSlow ? fault_.loads : kUsualLoads;
+    access_.Start();
   }
   Publish();
 }
 
 void MiiInterface::Complete() {
-  Phy* const phy = fault_.kind == Fault::Kind::kFail ? nullptr : FindPhy(kMiiPhy.Get(started_));
+  Phy* const phy = access_.Fails() ? nullptr : FindPhy(kMiiPhy.Get(started_));
   const unsigned reg = kMiiRegister.Get(started_);
   if (kMiiReadAccess.Get(started_) != 0) {
     registers_.Set(kMiiReadData, phy != nullptr ? phy->Load(reg) : kNoPhy);
@@ -72,7 +72,7 @@ void MiiInterface::Complete() {
 }
 
 void MiiInterface::Publish() {
-  const bool ready = loads_left_ == 0 && fault_.kind != Fault::Kind::kBusy;
+  const bool ready = !access_.Running() && !access_.LooksBusy();
   const unsigned status = ready ? kReady | (read_valid_ ? kValid : 0U) : 0U;
   registers_.Set(kMiiCommand, (registers_.Get(kMiiCommand) & ~(kReady | kValid)) | status);
 }
@@ -82,7 +82,7 @@ void MiiInterface::State(StateArchive& archive) {
     archive.Group(std::string("phy_") + NameOf(port), [&] { phys_[port].State(archive); });
   }
   archive.Hex("started", started_);
-  archive.Count("loads_left", loads_left_);
+  access_.State(archive);
   archive.Flag("read_valid", read_valid_);
 }
 

@@ -1,24 +1,27 @@
 // The MII management interface of the model, with a PHY for each external port.
 #pragma once
 
-#include "chip/engine.h"
+#include "chip/block.h"
+#include "chip/operation.h"
 #include "chip/per_mac_port.h"
+#include "chip/register_file.h"
 #include "chip/system/phy.h"
 
 namespace chip {
 
-class MiiInterface {
+class MiiInterface : public Block, public FaultPoint {
  public:
   explicit MiiInterface(RegisterFile& registers);
   MiiInterface(const MiiInterface&) = delete;
   MiiInterface& operator=(const MiiInterface&) = delete;
 
-  void Reset();
-  void State(StateArchive& archive);
+  [[nodiscard]] const char* Name() const override { return "mii"; }
+  void Reset() override;
+  void State(StateArchive& archive) override;
+  [[nodiscard]] std::vector<FaultPoint*> FaultPoints() override { return {this}; }
 
-  /// What the interface does instead of working. A failing access reads all ones and writes
-  /// nothing.
-  void SetFault(Fault fault) { fault_ = fault; }
+  /// A failing access reads all ones and writes nothing.
+  void SetFault(const Fault& fault) override { access_.SetFault(fault); }
 
   /// The PHY at that address; null when there is none.
   [[nodiscard]] Phy* FindPhy(unsigned address);
@@ -34,9 +37,8 @@ class MiiInterface {
 
   RegisterFile& registers_;
   PerMacPort<Phy> phys_;
-  Fault fault_;
   std::uint16_t started_ = 0;  ///< The command of the running access.
-  unsigned loads_left_ = 0;    ///< Status loads until the running access is over; 0 when idle.
+  Operation access_;
   bool read_valid_ = false;
 };
 

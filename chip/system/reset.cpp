@@ -17,7 +17,7 @@ constexpr unsigned kUsualLoads = 1;
 }  // namespace
 
 ResetControl::ResetControl(RegisterFile& registers, Targets targets)
-    : registers_(registers), targets_(std::move(targets)) {
+    : registers_(registers), targets_(std::move(targets)), recovery_(kUsualLoads) {
   registers.Define(kResetControl, {.reset = kResetDone.Mask(),
                                    .read_only = kResetDone.Mask(),
                                    .before_load = [this] { BeforeLoad(); },
@@ -36,11 +36,11 @@ ResetControl::ResetControl(RegisterFile& registers, Targets targets)
 void ResetControl::Reset() {
   held_ = 0;
   done_ = true;
-  loads_left_ = 0;
+  recovery_.Abandon();
 }
 
 void ResetControl::BeforeLoad() {
-  if (loads_left_ != 0 && fault_.kind != Fault::Kind::kHang && --loads_left_ == 0) done_ = true;
+  if (recovery_.CountLoad()) done_ = true;
   Publish();
 }
 
@@ -48,13 +48,13 @@ void ResetControl::AfterStore(std::uint8_t stored) {
   const std::uint8_t now = stored & kResetBits;
   const auto released = static_cast<std::uint8_t>(held_ & ~now);
   held_ = now;
-  if (released != 0 && fault_.kind != Fault::Kind::kFail) Restore(released);
+  if (released != 0 && !recovery_.Fails()) Restore(released);
   if (held_ != 0) {
     done_ = false;
-    loads_left_ = 0;
+    recovery_.Abandon();
   } else if (released != 0) {
     done_ = false;
-    loads_left_ = fault_.kind == Fault::Kind::kSlow ? fault_.loads : kUsualLoads;
+    recovery_.Start();
   }
   Publish();
 }
@@ -69,14 +69,14 @@ void ResetControl::Restore(std::uint8_t released) {
 
 void ResetControl::Publish() {
   const std::uint8_t others = registers_.Get(kResetControl) & ~kResetDone.Mask();
-  const bool shown = done_ && fault_.kind != Fault::Kind::kBusy;
+  const bool shown = done_ && !recovery_.LooksBusy();
   registers_.Set(kResetControl, shown ? others | kResetDone.Mask() : others);
 }
 
 void ResetControl::State(StateArchive& archive) {
   archive.Hex("held", held_, kResetBits);
   archive.Flag("done", done_);
-  archive.Count("loads_left", loads_left_);
+  recovery_.State(archive);
 }
 
 }  // namespace chip

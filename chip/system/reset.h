@@ -3,7 +3,9 @@
 
 #include <functional>
 
-#include "chip/engine.h"
+#include "chip/block.h"
+#include "chip/operation.h"
+#include "chip/register_file.h"
 
 namespace chip {
 
@@ -13,7 +15,7 @@ inline constexpr std::uint8_t kModelRevision = 2;
 
 /// A reset takes effect when its bit is cleared after it was set. The done bit is set at power-on,
 /// clear while a reset bit is held, and rises at the first load after the last one is released.
-class ResetControl {
+class ResetControl : public Block, public FaultPoint {
  public:
   /// What the resets bring back to power-on state; the whole chip includes this block.
   struct Targets {
@@ -25,11 +27,14 @@ class ResetControl {
   ResetControl(const ResetControl&) = delete;
   ResetControl& operator=(const ResetControl&) = delete;
 
-  /// As for an engine: the done bit never rises, reads as 0, or rises at that load after the
-  /// release; or resets have no effect.
-  void SetFault(Fault fault) { fault_ = fault; }
-  void Reset();
-  void State(StateArchive& archive);
+  [[nodiscard]] const char* Name() const override { return "reset"; }
+  void Reset() override;
+  void State(StateArchive& archive) override;
+  [[nodiscard]] std::vector<FaultPoint*> FaultPoints() override { return {this}; }
+
+  /// What never ends, looks busy or takes long is the recovery: the done bit's way up after the
+  /// release. A failing reset has no effect.
+  void SetFault(const Fault& fault) override { recovery_.SetFault(fault); }
 
  private:
   void BeforeLoad();
@@ -39,11 +44,10 @@ class ResetControl {
 
   RegisterFile& registers_;
   Targets targets_;
-  Fault fault_;
 
   std::uint8_t held_ = 0;  ///< The reset bits that are set.
   bool done_ = true;
-  unsigned loads_left_ = 0;  ///< Loads until the done bit rises; 0 when nothing is under way.
+  Operation recovery_;
 };
 
 }  // namespace chip

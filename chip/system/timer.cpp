@@ -1,6 +1,7 @@
 #include "chip/system/timer.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "system/timer_registers.h"
 
@@ -8,7 +9,8 @@ namespace chip {
 
 using namespace monitor;  // NOLINT: the register names
 
-Timers::Timers(RegisterFile& registers, const Clock& clock) : registers_(registers), clock_(clock) {
+Timers::Timers(RegisterFile& registers, Clock clock)
+    : registers_(registers), clock_(std::move(clock)) {
   for (unsigned i = 0; i < timers_.size(); ++i) Claim(i);
   registers.Define(kTimerControl,
                    {.reset = static_cast<std::uint8_t>(kTimerStop[0].Mask() | kTimerStop[1].Mask()),

@@ -4,25 +4,26 @@
 
 #include <array>
 
+#include "chip/block.h"
 #include "chip/clock.h"
 #include "chip/register_file.h"
 
 namespace chip {
 
-class Timers {
+class Timers : public Block {
  public:
   /// Length of a count with divisor 1; a divisor of 0 counts as 1.
   static constexpr std::uint64_t kNanosecondsPerCount = 1000;
 
-  /// `clock` must outlive the timers.
-  Timers(RegisterFile& registers, const Clock& clock);
+  Timers(RegisterFile& registers, Clock clock);
   Timers(const Timers&) = delete;
   Timers& operator=(const Timers&) = delete;
 
-  void Reset();
+  [[nodiscard]] const char* Name() const override { return "timers"; }
+  void Reset() override;
 
   /// Timers are saved at their present count, and continue from it when they are restored.
-  void State(StateArchive& archive);
+  void State(StateArchive& archive) override;
 
  private:
   /// A timer's settings, in force since `since`, and its count then.
@@ -43,7 +44,7 @@ class Timers {
   static void Count(Timer& timer, std::uint64_t counts);
 
   RegisterFile& registers_;
-  const Clock& clock_;
+  Clock clock_;
   std::array<Timer, 2> timers_;
 };
 

@@ -4,18 +4,20 @@
 #include <deque>
 #include <functional>
 
+#include "chip/block.h"
 #include "chip/register_file.h"
 
 namespace chip {
 
-class Uart {
+class Uart : public Block {
  public:
   explicit Uart(RegisterFile& registers);
   Uart(const Uart&) = delete;
   Uart& operator=(const Uart&) = delete;
 
-  void Reset();
-  void State(StateArchive& archive);
+  [[nodiscard]] const char* Name() const override { return "uart"; }
+  void Reset() override;
+  void State(StateArchive& archive) override;
 
   /// A byte arrives on the line.
   void Receive(std::uint8_t byte) { received_.push_back(byte); }

@@ -2,6 +2,7 @@
 // engine's settings.
 #pragma once
 
+#include "chip/block.h"
 #include "chip/engine.h"
 #include "chip/entry_table.h"
 #include "tables/nat_registers.h"
@@ -39,14 +40,16 @@ struct NatEntry {
   }
 };
 
-class NatTables {
+class NatTables : public Block {
  public:
   explicit NatTables(RegisterFile& registers);
   NatTables(const NatTables&) = delete;
   NatTables& operator=(const NatTables&) = delete;
 
-  void Reset();
-  void State(StateArchive& archive);
+  [[nodiscard]] const char* Name() const override { return "nat"; }
+  void Reset() override;
+  void State(StateArchive& archive) override;
+  [[nodiscard]] std::vector<FaultPoint*> FaultPoints() override { return {&engine}; }
 
   EntryTable<NatEntry, 256> main;
   EntryTable<NatEntry, 16> server;

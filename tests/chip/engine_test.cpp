@@ -32,7 +32,7 @@ class TableEngine : public testing::Test {
 using Operations = std::vector<unsigned>;
 
 TEST_F(TableEngine, IsReadyAtPowerOn) {
-  EXPECT_EQ(engine_.Name(), "table");
+  EXPECT_STREQ(engine_.Name(), "table");
   EXPECT_EQ(Load(), 0x03);
   EXPECT_EQ(Load(), 0x03);
   EXPECT_EQ(operations_, Operations{});

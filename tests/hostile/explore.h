@@ -29,8 +29,8 @@ void Append(Numbers& numbers, const T& value) {
     numbers.push_back(static_cast<std::uint64_t>(value));
   } else if constexpr (requires { value.begin(); }) {
     for (const auto& element : value) Append(numbers, element);
-  } else if constexpr (requires { ::Fields(value); }) {
-    Append(numbers, ::Fields(value));
+  } else if constexpr (requires { Fields(value); }) {
+    Append(numbers, Fields(value));
   } else {
     std::apply([&](const auto&... element) { (Append(numbers, element), ...); }, value);
   }

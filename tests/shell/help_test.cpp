@@ -81,13 +81,17 @@ class HelpCommand : public testing::Test {
 };
 
 TEST_F(HelpCommand, WithoutArgumentsListsTheCommandsSixALine) {
+  std::string names;
+  std::string last;
+  unsigned count = 0;
+  for (const CommandEntry& row : CommandTable) {
+    if (row.name == last) continue;
+    last = row.name;
+    names += last + std::string(11 - last.size(), ' ');
+    if (++count % 6 == 0) names += "\n\r";
+  }
   EXPECT_EQ(HelpOn(1, ""), 1);
-  EXPECT_EQ(TakeOutput(),
-            "help       reg        timer      reset      version    cs         \n\r"
-            "macaddr    maccfg     frame      uart       natcfg     nat        \n\r"
-            "l3         mcast      arp        clsfr      sc         mii        \n\r"
-            "gpiocfg    gpio       qos        tdmcfg     tdm        pst        \n\r"
-            "pdr        pxt        rc         ctrl       exit       ");
+  EXPECT_EQ(TakeOutput(), names);
 }
 
 TEST_F(HelpCommand, OnACommandListsItsForms) {

@@ -52,14 +52,13 @@ class Random {
 
 /// A chip with what comes from outside. Its time may have begun at any moment.
 struct Board {
-  explicit Board(std::uint64_t begin) : now(begin) {
-    chip.clock = [this] { return now; };
+  explicit Board(std::uint64_t begin) {
+    chip.Advance(begin);
     chip.frames.on_transmit = [this](monitor::PortId port, std::span<const std::uint8_t> frame) {
       sent.emplace_back(port, frame.size());
     };
   }
 
-  std::uint64_t now;
   std::vector<std::pair<monitor::PortId, std::size_t>> sent;
   chip::RouterChip chip;
 };
@@ -150,7 +149,7 @@ class Twins : public testing::Test {
         return SetBits();
       default: {
         const std::uint32_t passed = random.Below(random.OneIn(2) ? 3000 : 1'000'000'000);
-        return Both([&](Board& board) { board.now += passed; });
+        return Both([&](Board& board) { board.chip.Advance(board.chip.Now() + passed); });
       }
     }
   }

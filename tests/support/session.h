@@ -17,7 +17,6 @@ struct SentFrame {
 /// The running session: the chip under the monitor and what directives ask of the console.
 struct SessionState {
   SessionState() {
-    chip.clock = [this] { return now; };
     chip.uart.on_transmit = [this](std::uint8_t byte) { uart_output.push_back(byte); };
     chip.frames.on_transmit = [this](monitor::PortId port, std::span<const std::uint8_t> frame) {
       sent.push_back({port, {frame.begin(), frame.end()}});
@@ -25,7 +24,6 @@ struct SessionState {
   }
 
   chip::RouterChip chip;
-  std::uint64_t now = 0;                  ///< The chip's time in nanoseconds.
   std::vector<std::uint8_t> uart_output;  ///< Sent by the UART since the last look.
   std::deque<SentFrame> sent;             ///< Not yet checked, the oldest first.
   bool ctrl_c_in_waits = false;           ///< Waits on hardware find a Ctrl-C.

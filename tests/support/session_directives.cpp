@@ -76,7 +76,7 @@ void SetFault(SessionState& state, Words& words) {
 void AdvanceClock(SessionState& state, Words& words) {
   std::uint64_t nanoseconds;
   if (!(words >> std::dec >> nanoseconds)) throw SessionError("clock: a number is missing");
-  state.now += nanoseconds;
+  state.chip.Advance(state.chip.Now() + nanoseconds);
 }
 
 void SetPins(SessionState& state, Words& words) {

@@ -213,8 +213,9 @@ TEST_F(ClassifierEngine, ResetEmptiesTheTable) {
   EXPECT_EQ(Load8(0x720), 0x03);
 }
 
-TEST_F(ClassifierEngine, IsFoundByItsName) {
-  EXPECT_EQ(chip_.FindEngine("cls"), &chip_.classifier.engine);
+TEST_F(ClassifierEngine, IsFoundByItsNameForFaults) {
+  ASSERT_TRUE(chip_.SetFault("cls", {.kind = Fault::Kind::kBusy}));
+  EXPECT_EQ(Load8(0x720), 0x00);
 }
 
 }  // namespace

@@ -88,7 +88,7 @@ TEST_F(CpuPortModel, StatusCountsHoldsAndTransmissions) {
 }
 
 TEST_F(CpuPortModel, AFailedStatusLeavesTheCount) {
-  chip_.FindEngine("status")->SetFault({.kind = Fault::Kind::kFail});
+  chip_.frames.cpu.status.SetFault({.kind = Fault::Kind::kFail});
   Store8(0x431, 0x01);
   Store8(0x430, 0x01);
   (void)Load8(0x430);

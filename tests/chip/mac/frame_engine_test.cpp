@@ -115,25 +115,25 @@ TEST_F(FrameEngineModel, MisuseIsComplainedAbout) {
 }
 
 TEST_F(FrameEngineModel, FaultsHangOrSlowEachEngine) {
-  chip_.FindEngine("tx")->SetFault({.kind = Fault::Kind::kHang});
+  chip_.frames.transmit.SetFault({.kind = Fault::Kind::kHang});
   chip_.frames.memory.Store(0x01000800, 2, 60);
   Store8(0x42A, 0x01);
   Store8(0x429, 0x01);
   Store8(0x42B, 0x01);
   for (int i = 0; i < 1000; ++i) EXPECT_EQ(Load8(0x42B), 0x01);
   EXPECT_TRUE(sent_.empty());
-  chip_.FindEngine("tx")->SetFault({});
+  chip_.frames.transmit.SetFault({});
   (void)Load8(0x42B);
   EXPECT_EQ(Load8(0x42B), 0x03);
   EXPECT_EQ(sent_.size(), 1U);
 
-  chip_.FindEngine("status")->SetFault({.kind = Fault::Kind::kSlow, .loads = 4});
+  chip_.frames.cpu.status.SetFault({.kind = Fault::Kind::kSlow, .loads = 4});
   Store8(0x431, 0x01);
   Store8(0x430, 0x01);
   for (int i = 0; i < 3; ++i) EXPECT_EQ(Load8(0x430), 0x01);
   EXPECT_EQ(Load8(0x430), 0x07);
 
-  chip_.FindEngine("release")->SetFault({.kind = Fault::Kind::kHang});
+  chip_.frames.cpu.release.SetFault({.kind = Fault::Kind::kHang});
   Store8(0x427, 0x01);
   for (int i = 0; i < 1000; ++i) EXPECT_EQ(Load8(0x427), 0x01);
 }

@@ -76,9 +76,7 @@ TEST_F(PstEngine, AReadBringsAUsedBitSetBesideIt) {
 }
 
 TEST_F(PstEngine, IsFoundByItsNameForFaults) {
-  Engine* const engine = chip_.FindEngine("pst");
-  ASSERT_NE(engine, nullptr);
-  engine->SetFault({.kind = Fault::Kind::kBusy});
+  ASSERT_TRUE(chip_.SetFault("pst", {.kind = Fault::Kind::kBusy}));
   EXPECT_EQ(Load8(0xA0F), 0x00);
 }
 

@@ -71,9 +71,7 @@ TEST_F(PxtEngine, BitsWithoutAMeaningAreNotKeptInTheEntry) {
 }
 
 TEST_F(PxtEngine, IsFoundByItsNameForFaults) {
-  Engine* const engine = chip_.FindEngine("pxt");
-  ASSERT_NE(engine, nullptr);
-  engine->SetFault({.kind = Fault::Kind::kBusy});
+  ASSERT_TRUE(chip_.SetFault("pxt", {.kind = Fault::Kind::kBusy}));
   EXPECT_EQ(Load8(0xA3A), 0x00);
 }
 

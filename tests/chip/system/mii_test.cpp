@@ -191,6 +191,13 @@ TEST_F(MiiModel, FaultsHangItMakeItBusySlowOrFailing) {
   EXPECT_EQ(Load16(0x40C), 0x01E1U);
 }
 
+TEST_F(MiiModel, SlowByNoLoadsAnAccessIsOverAtTheFirst) {
+  ASSERT_TRUE(chip_.SetFault("mii", {.kind = Fault::Kind::kSlow, .loads = 0}));
+  Store16(0x408, 0x01C2);
+  EXPECT_EQ(Load16(0x408), 0x61C2U);
+  EXPECT_EQ(Load16(0x40C), 0x5642U);
+}
+
 TEST_F(MiiModel, ResetEndsAnAccessAndKeepsTheLink) {
   chip_.mii.SetLink(monitor::PortId::kWan, true);
   WritePhy(1, 4, 0x0401);

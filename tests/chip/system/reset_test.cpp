@@ -131,6 +131,12 @@ TEST_F(ResetBits, FaultsKeepDoneAway) {
   EXPECT_EQ(Load8(0x100), 0x04);
 }
 
+TEST_F(ResetBits, SlowByNoLoadsDoneRisesAtTheFirst) {
+  ASSERT_TRUE(chip_.SetFault("reset", {.kind = Fault::Kind::kSlow, .loads = 0}));
+  Pulse(0x20);
+  EXPECT_EQ(Load8(0x100), 0x04);
+}
+
 TEST_F(ResetBits, AFailingResetHasNoEffect) {
   ASSERT_TRUE(chip_.SetFault("reset", {.kind = Fault::Kind::kFail}));
   Store8(0x105, 0xA5);

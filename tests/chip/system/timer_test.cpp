@@ -133,6 +133,27 @@ TEST_F(TimerCounters, ALoadValueWaitsForTheNextRoundAndADivisorBeginsANewCount) 
   EXPECT_EQ(Load16(0x200), 50U);
 }
 
+TEST_F(TimerCounters, FollowTheTimeOfAChipWithoutAClock) {
+  chip_.clock = nullptr;
+  chip_.Advance(now_);
+  Store16(0x202, 100);
+  Store8(0x20E, 0x02);
+  chip_.Advance(now_ + 3 * kMicrosecond);
+  EXPECT_EQ(Load16(0x200), 97U);
+  EXPECT_EQ(Load16(0x200), 97U);
+}
+
+TEST_F(TimerCounters, NeverCountBackwards) {
+  Store16(0x202, 100);
+  Store8(0x20E, 0x02);
+  chip_.Advance(now_ + 3 * kMicrosecond);
+  EXPECT_EQ(Load16(0x200), 97U);
+  now_ += 2 * kMicrosecond;  // still before what the chip has reached
+  EXPECT_EQ(Load16(0x200), 97U);
+  now_ += 2 * kMicrosecond;
+  EXPECT_EQ(Load16(0x200), 96U);
+}
+
 TEST_F(TimerCounters, AreStoppedByAReset) {
   Store16(0x202, 100);
   Store8(0x20E, 0x00);
