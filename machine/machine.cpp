@@ -15,10 +15,6 @@ std::uint64_t MonotonicNanoseconds() {
   return static_cast<std::uint64_t>(time.count());
 }
 
-/// Brings the chip's time to the present. The moment, on the same clock, at which it has to be done
-/// again although nothing happens outside; nothing in the chip happens by itself so far.
-std::optional<std::uint64_t> AdvanceTime(chip::RouterChip& /*chip*/) { return {}; }
-
 }  // namespace
 
 Machine::Machine(const MachineSetup& setup) {
@@ -53,9 +49,8 @@ void Machine::StartUart() {
 
 void Machine::Pump() {
   steps_ = 0;
-  const std::optional<std::uint64_t> deadline = AdvanceTime(chip_);
+  chip_.Advance(chip_.Now());
   network_->Poll();
-  alarm_.Set(deadline);
 }
 
 void Machine::Mark(const std::string& cause) {
@@ -66,7 +61,8 @@ void Machine::MarkOnce(const std::string& cause) {
   if (trace_) trace_->MarkOnce(cause);
 }
 
-void Machine::Flush() {
+void Machine::BeforeWait() {
+  alarm_.Set(chip_.NextDeadline());
   complaints_.Flush();
   if (trace_) trace_->Flush();
   network_->Flush();

@@ -67,8 +67,9 @@ class Machine {
   /// True once the chip has complained.
   [[nodiscard]] bool Complained() const { return complaints_.Any(); }
 
-  /// Hands everything on that can be seen outside. To be called before a wait for the outside.
-  void Flush();
+  /// To be called before a wait for the outside: passes on everything that can be seen there, and
+  /// has the chip's next deadline end the wait by WatchedFd.
+  void BeforeWait();
 
   /// Saves the state and writes files to their end. False when something that was asked for could
   /// not be read or written.

@@ -41,7 +41,7 @@ class ConsoleSession final : public monitor::ConsoleHost {
 
   void BetweenSteps() override { machine_.PumpWhenDue(); }
   void DuringLongWait(const monitor::Awaited& awaited) override;
-  void BeforeWait() override { machine_.Flush(); }
+  void BeforeWait() override { machine_.BeforeWait(); }
   void OnWatched() override { machine_.Pump(); }
   [[nodiscard]] bool OnlyEvents() const override { return !machine_.FramesPending(); }
   void OnEndOfInput(int error, bool in_line) override;
