@@ -127,7 +127,7 @@ bool CutShort() {
 
 /// True when the input is a terminal that has hung up, from which nothing can ever come again. The
 /// kernel signals that on a controlling terminal only, so the program is ended by the same signal
-/// on any other; this returns if it is ignored, or the program puts its end off.
+/// on any other; this returns if it is ignored, or the program puts off its end.
 bool HungUp() {
   if (isatty(g_setup.input) != 0 || errno != EIO) return false;
   raise(SIGHUP);
@@ -293,8 +293,9 @@ void ConsoleWait(long microseconds) {
     return;
   }
   (void)HungUp();
-  if (g_setup.host != nullptr && !ConsoleEnded())
+  if (g_setup.host != nullptr && !ConsoleEnded()) {
     g_setup.host->OnEndOfInput(g_input_error, g_in_line);
+  }
   if (ConsoleEnded()) return;
   const bool shorter = microseconds >= 0 && microseconds < kEndedPauseMicroseconds;
   Sleep(shorter ? microseconds : kEndedPauseMicroseconds);

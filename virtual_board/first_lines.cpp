@@ -32,8 +32,9 @@ void AppendLines(const std::string& path, std::vector<std::string>& lines) {
     line += c;
     const std::string wrong = CheckLine(line);
     if (!wrong.empty()) {
-      throw std::runtime_error("--init '" + path + "', line " + std::to_string(number) + ": " +
-                               wrong);
+      std::string message = "--init '";
+      message.append(path).append("', line ").append(std::to_string(number)).append(": ");
+      throw std::runtime_error(message.append(wrong));
     }
   }
   if (file.bad()) FailToRead(path);

@@ -137,8 +137,9 @@ void ConvertEntries(const Node& entries, std::span<const Member> members,
   for (const auto& item : entries.Members().items()) {
     const Node entry = entries[item.key()];
     std::uint64_t index = 0;
-    if (!Node::ParseHex(item.key(), 2, index) || index >= kSlots)
+    if (!Node::ParseHex(item.key(), 2, index) || index >= kSlots) {
       entry.Refuse("has no meaning here");
+    }
     for (const Member& member : members) StoreMember(registers, member, entry);
     table.Apply(registers, static_cast<unsigned>(index), {.entry = true, .counter = true});
     std::size_t known = members.size();
